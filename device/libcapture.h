@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+
+// Frame conversions of the capture layer. A raw frame holds one little-endian 16-bit word per
+// sensor sample with a 10-bit gray value in its low bits; its line length is the sensor's
+// 1600 samples.
+//
+// Every conversion takes the same arguments: the source frame, the destination, the source
+// width (its stride in samples), the source height (not used), and the rectangle x0, y0, w, h
+// to convert. A rectangle with w or h of 0 converts nothing. The rectangle is not checked
+// against the frame: callers clamp first. Each returns 0.
+
+// Line length of the sensor in samples; the 2 x 2 conversions always find the lower row of a
+// block this far after the upper one.
+constexpr unsigned kSensorLineSamples = 1600;
+
+// Gray w x h, stride w: D(i, j) = S(x0 + i, y0 + j) >> 2.
+int convert_y10bit_to_y8bit(const uint16_t* src, uint8_t* dst, unsigned srcWidth,
+                            unsigned srcHeight, unsigned x0, unsigned y0, unsigned w, unsigned h);
+
+// Gray ceil(w/2) x ceil(h/2): the mean of each 2 x 2 block, shifted to 8 bits (sum >> 4).
+int convert_y10bit_to_y8bit_scaleIn(const uint16_t* src, uint8_t* dst, unsigned srcWidth,
+                                    unsigned srcHeight, unsigned x0, unsigned y0, unsigned w,
+                                    unsigned h);
+
+// Gray ceil(w/2) x ceil(h/2): every second sample of every second row, no averaging.
+int convert_y10bit_to_y8bit_scaleIn_skip(const uint16_t* src, uint8_t* dst, unsigned srcWidth,
+                                         unsigned srcHeight, unsigned x0, unsigned y0, unsigned w,
+                                         unsigned h);
+
+// UYVY w x h (two bytes a pixel): only the luma (odd) bytes are written, S >> 2; the chroma
+// bytes keep whatever the output buffer holds (128 there, so the picture is gray).
+int convert_y10bit_to_yuv422ile(const uint16_t* src, uint8_t* dst, unsigned srcWidth,
+                                unsigned srcHeight, unsigned x0, unsigned y0, unsigned w,
+                                unsigned h);
+
+// UYVY ceil(w/2) x ceil(h/2), row stride w bytes: luma of the 2 x 2 mean.
+int convert_y10bit_to_yuv422ile_scaleIn(const uint16_t* src, uint8_t* dst, unsigned srcWidth,
+                                        unsigned srcHeight, unsigned x0, unsigned y0, unsigned w,
+                                        unsigned h);
+
+// Raw w x h: the rectangle's samples copied unchanged.
+int roi_y10bit_image(const uint16_t* src, uint16_t* dst, unsigned srcWidth, unsigned srcHeight,
+                     unsigned x0, unsigned y0, unsigned w, unsigned h);
