@@ -1,0 +1,66 @@
+// The fiber search on a rendered frame, whole and split into its two stages.
+
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "capturethread.h"
+#include "endfacerenderer.h"
+#include "fibercenter.h"
+#include "libcapture.h"
+
+namespace {
+
+struct RenderedFrame {
+    std::vector<uint16_t> raw = std::vector<uint16_t>(size_t(sim::kFrameWidth) * sim::kFrameHeight);
+    std::vector<unsigned char> gray = std::vector<unsigned char>(raw.size());
+
+    RenderedFrame() {
+        sim::EndFaceScene scene;
+        scene.centerX = 811.3;
+        scene.centerY = 587.6;
+        scene.spots.push_back(sim::spotAtRadius(scene, 30.0, 40.0, 5.0, 30.0));
+        sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, raw.data());
+        convert_y10bit_to_y8bit(raw.data(), gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0,
+                                0, sim::kFrameWidth, sim::kFrameHeight);
+    }
+};
+
+const RenderedFrame& frame() {
+    static const RenderedFrame rendered;
+    return rendered;
+}
+
+void BM_SearchSingleFiber(benchmark::State& state) {
+    CaptureThread capture;
+    unsigned x, y, rawX, rawY;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(capture.searchSingleFiber(frame().raw.data(), sim::kFrameWidth,
+                                                           sim::kFrameHeight, x, y, rawX, rawY,
+                                                           960, 960, true));
+    }
+}
+BENCHMARK(BM_SearchSingleFiber)->Unit(benchmark::kMillisecond);
+
+void BM_CoarseSearchQuarterScale(benchmark::State& state) {
+    CaptureThread capture;
+    unsigned x, y;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(
+            frame().gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0.25, 0, 0, x, y));
+    }
+}
+BENCHMARK(BM_CoarseSearchQuarterScale)->Unit(benchmark::kMillisecond);
+
+void BM_Refinement(benchmark::State& state) {
+    std::vector<unsigned char> crop(320 * 320);
+    convert_y10bit_to_y8bit(frame().raw.data(), crop.data(), sim::kFrameWidth, sim::kFrameHeight,
+                            811 - 160, 587 - 160, 320, 320);
+    for (auto _ : state) {
+        int x = 160, y = 160, r = 122;
+        benchmark::DoNotOptimize(AlgGetFiberCenterXY(crop.data(), 320, 320, 122, x, y, r));
+    }
+}
+BENCHMARK(BM_Refinement)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,100 @@
+#include "frameloader.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+#include <opencv2/imgcodecs.hpp>
+
+namespace {
+
+constexpr uint16_t kMaxSample = 1023;
+
+int fail(QString& error, const QString& reason) {
+    error = reason;
+    return -1;
+}
+
+int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+    const cv::Mat picture = cv::imread(path.toStdString(), cv::IMREAD_UNCHANGED);
+    if (picture.empty()) {
+        return fail(error, "not a readable picture");
+    }
+    if (picture.depth() != CV_8U || picture.channels() != 1) {
+        return fail(error, QString("not an 8-bit grayscale picture: %1 x %2-bit samples per pixel")
+                               .arg(picture.channels())
+                               .arg(picture.elemSize1() * 8));
+    }
+    if (picture.cols != kRawFrameWidth || picture.rows != kRawFrameHeight) {
+        return fail(error, QString("picture is %1 x %2, expected %3 x %4")
+                               .arg(picture.cols)
+                               .arg(picture.rows)
+                               .arg(kRawFrameWidth)
+                               .arg(kRawFrameHeight));
+    }
+    frame.resize(size_t(kRawFrameWidth) * kRawFrameHeight);
+    for (int y = 0; y < picture.rows; ++y) {
+        const uint8_t* row = picture.ptr<uint8_t>(y);
+        uint16_t* out = frame.data() + size_t(y) * kRawFrameWidth;
+        for (int x = 0; x < picture.cols; ++x) {
+            out[x] = uint16_t(row[x] << 2);
+        }
+    }
+    return 1;
+}
+
+int firstSampleAbove10Bits(const std::vector<uint16_t>& frame) {
+    for (size_t i = 0; i < frame.size(); ++i) {
+        if (frame[i] > kMaxSample) {
+            return int(i);
+        }
+    }
+    return -1;
+}
+
+int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return fail(error, "cannot open: " + file.errorString());
+    }
+    const qint64 size = file.size();
+    if (size < kRawFrameBytes) {
+        return fail(error, QString("truncated raw frame: %1 of %2 bytes").arg(size).arg(kRawFrameBytes));
+    }
+    if (size > kRawFrameBytes) {
+        return fail(error, QString("not a raw frame or picture: %1 bytes, a raw frame has %2")
+                               .arg(size)
+                               .arg(kRawFrameBytes));
+    }
+    frame.resize(size_t(kRawFrameWidth) * kRawFrameHeight);
+    if (file.read(reinterpret_cast<char*>(frame.data()), kRawFrameBytes) != kRawFrameBytes) {
+        return fail(error, "read failed: " + file.errorString());
+    }
+    for (uint16_t& sample : frame) {
+        sample = qFromLittleEndian(sample);
+    }
+    const int bad = firstSampleAbove10Bits(frame);
+    if (bad >= 0) {
+        return fail(error, QString("not a 10-bit raw frame: sample at (%1, %2) is %3")
+                               .arg(bad % kRawFrameWidth)
+                               .arg(bad / kRawFrameWidth)
+                               .arg(frame[size_t(bad)]));
+    }
+    return 1;
+}
+
+}  // namespace
+
+int loadRawFrame(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return fail(error, "no such file");
+    }
+    if (info.isDir()) {
+        return fail(error, "is a folder");
+    }
+    // Pictures are told apart by their signature, so a raw frame may have any name.
+    if (cv::haveImageReader(path.toStdString())) {
+        return loadPicture(path, frame, error);
+    }
+    return loadRaw(path, frame, error);
+}
