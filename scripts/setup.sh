@@ -8,6 +8,7 @@ packages=(
     libopencv-dev
     libgtest-dev
     libbenchmark-dev
+    clang libclang-rt-14-dev
 )
 
 missing=()
