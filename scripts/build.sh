@@ -4,6 +4,7 @@ set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 build_dir=$1
 shift
-cmake -S "$top" -B "$build_dir" -DCMAKE_BUILD_TYPE=Release "$@" > "$build_dir.configure.log" 2>&1 \
-    || { cat "$build_dir.configure.log"; exit 1; }
+mkdir -p "$build_dir"
+cmake -S "$top" -B "$build_dir" -DCMAKE_BUILD_TYPE=Release "$@" > "$build_dir/configure.log" 2>&1 \
+    || { cat "$build_dir/configure.log"; exit 1; }
 cmake --build "$build_dir" -j "$(nproc)"
