@@ -1,0 +1,133 @@
+// The lumaspecter-render tool, run as a program: what it writes and how it refuses bad
+// command lines.
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <opencv2/imgcodecs.hpp>
+
+#include "rendertesting.h"
+#include "temproot.h"
+
+namespace {
+
+struct ToolRun {
+    int status;
+    QString errors;
+};
+
+ToolRun runTool(const QStringList& arguments) {
+    QProcess tool;
+    tool.start(RENDER_TOOL, arguments);
+    if (!tool.waitForFinished(60000) || tool.exitStatus() != QProcess::NormalExit) {
+        return {-1, "did not finish"};
+    }
+    return {tool.exitCode(), QString::fromLocal8Bit(tool.readAllStandardError())};
+}
+
+QJsonObject readTruth(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+sim::EndFaceScene toolScene() {
+    sim::EndFaceScene scene;
+    scene.seed = 9;
+    scene.centerX = 700.5;
+    scene.centerY = 650.25;
+    scene.coreDiameterUm = 50.0;
+    scene.blurSigmaPx = 1.5;
+    scene.noiseSigma = 2.0;
+    scene.exposure = 0.9;
+    scene.spots.push_back({500.0, 400.0, 5.0, 30.0, true});
+    scene.spots.push_back(sim::spotAtRadius(scene, 40.0, 45.0, 3.0, 50.0));
+    scene.scratches.push_back({100.0, 100.0, 300.0, 200.0, 1.0, 20.0, false});
+    return scene;
+}
+
+QStringList toolSceneArguments() {
+    return {"--seed",     "9",
+            "--center",   "700.5,650.25",
+            "--core",     "50",
+            "--blur",     "1.5",
+            "--noise",    "2",
+            "--exposure", "0.9",
+            "--spot",     "500,400,5,30,bright",
+            "--spot-at",  "40,45,3,50",
+            "--scratch",  "100,100,300,200,1,20"};
+}
+
+}  // namespace
+
+TEST(RenderTool, WritesTheRawFrameAndItsTruth) {
+    TempRoot root;
+    const QString output = root.file("frame.raw");
+    const ToolRun run = runTool(toolSceneArguments() +
+                                QStringList{"--root", root.path(), "--format", "raw", output});
+    ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+
+    QFile file(output);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    ASSERT_EQ(bytes.size(), 3840000);
+    const RenderedWindow expected(toolScene());
+    for (size_t i = 0; i < expected.raw.size(); ++i) {
+        const int value = uint8_t(bytes[int(2 * i)]) | uint8_t(bytes[int(2 * i + 1)]) << 8;
+        ASSERT_EQ(value, expected.raw[i]) << i;
+    }
+    const QJsonObject truth = readTruth(output + ".json");
+    EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5);
+    EXPECT_EQ(truth["spots"].toArray().size(), 2);
+}
+
+TEST(RenderTool, WritesARegionAroundAPointWithTruthInItsCoordinates) {
+    TempRoot root;
+    const QString output = root.file("region.png");
+    const ToolRun run = runTool(toolSceneArguments() + QStringList{"--region", "650,600", output});
+    ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+
+    const cv::Mat picture = cv::imread(output.toStdString(), cv::IMREAD_UNCHANGED);
+    ASSERT_EQ(picture.type(), CV_8UC1);
+    ASSERT_EQ(picture.cols, 960);
+    ASSERT_EQ(picture.rows, 960);
+    std::vector<uint8_t> expected(960 * 960);
+    ASSERT_EQ(sim::renderGray(toolScene(), 170, 120, 960, 960, expected.data()), 1);
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), picture.data));
+
+    const QJsonObject truth = readTruth(output + ".json");
+    EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5 - 170);
+    EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 650.25 - 120);
+}
+
+TEST(RenderTool, BadCommandLinesExitWithStatusTwoAndSayWhy) {
+    TempRoot root;
+    const QString out = root.file("x.png");
+    const QList<QStringList> bad = {
+        {},
+        {out, root.file("y.png")},
+        {"--bogus", out},
+        {"--spot", "1,2,3", out},
+        {"--spot", "1,2,3,4,shiny", out},
+        {"--scratch", "1,2,3,4,5", out},
+        {"--center", "abc,5", out},
+        {"--format", "tiff", out},
+        {"--blur", "-1", out},
+        {"--seed", "1.5", out},
+        {"--region", "5", out},
+    };
+    for (const QStringList& arguments : bad) {
+        const ToolRun run = runTool(arguments);
+        EXPECT_EQ(run.status, 2) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(run.errors.startsWith("lumaspecter-render: ")) << run.errors.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(out));
+}
+
+TEST(RenderTool, HelpIsNotAnError) {
+    EXPECT_EQ(runTool({"--help"}).status, 0);
+}
