@@ -70,4 +70,6 @@ void registerTaskMetaTypes();
 // The single-fiber image scale. Zone diameters become pixel radii by an integer halving
 // before the division: a 25 um zone has a radius of 12 / scale pixels.
 constexpr double kUmPerPixel = 0.5122950673103333;
-constexpr double zoneRadiusPx(int diameterUm) { return (diameterUm / 2) / kUmPerPixel; }
+constexpr double zoneRadiusPx(int diameterUm, double scale = kUmPerPixel) {
+    return (diameterUm / 2) / scale;
+}

@@ -10,15 +10,9 @@
 #include <cstring>
 #include <iterator>
 
-namespace {
+#include "factorytasks.h"
 
-QList<TaskInfoSetting> factoryTasks() {
-    QFile factory(":/conf/taskinfo.conf");
-    EXPECT_TRUE(factory.open(QIODevice::ReadOnly));
-    QList<TaskInfoSetting> tasks;
-    EXPECT_EQ(parseTaskFile(factory.readAll(), tasks), 0);
-    return tasks;
-}
+namespace {
 
 QJsonObject zoneObject(const QJsonObject& changes) {
     QJsonObject zone{{"sectionName", "A"}, {"sectionId", "z"}, {"dLimit1", "7"}};
