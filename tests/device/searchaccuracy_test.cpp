@@ -43,7 +43,11 @@ sim::EndFaceScene randomScene(std::mt19937& random) {
     scene.centerY = randomCoordinate(random, sim::kFrameHeight, placement == 1);
     scene.blurSigmaPx = 0.5 + 2.0 * unit(random);
     scene.noiseSigma = 0.5 + 2.5 * unit(random);
+    // Single-mode cores are dim; multimode ones dim or as bright as in real pictures.
     scene.coreDiameterUm = random() % 3 == 0 ? 50.0 : 9.0;
+    if (scene.coreDiameterUm > 9.0 && random() % 2 == 0) {
+        scene.coreLevel = 160.0;
+    }
     scene.seed = random();
     return scene;
 }
@@ -66,10 +70,10 @@ TEST(SearchAccuracy, RenderedFibersAreFoundAndRefinedToWithinOneAndAHalfPixels) 
             << "frame " << i << " at " << scene.centerX << "," << scene.centerY;
         const double dx = rawX - scene.centerX, dy = rawY - scene.centerY;
         const char* where = refinementRuns(scene.centerX, scene.centerY) ? "refined" : "coarse";
-        std::printf("frame %2d %-7s at (%7.2f, %7.2f) blur %.2f noise %.2f core %4.1f: "
-                    "error (%+.2f, %+.2f)\n",
+        std::printf("frame %2d %-7s at (%7.2f, %7.2f) blur %.2f noise %.2f core %4.1f um "
+                    "level %3.0f: error (%+.2f, %+.2f)\n",
                     i, where, scene.centerX, scene.centerY, scene.blurSigmaPx, scene.noiseSigma,
-                    scene.coreDiameterUm, dx, dy);
+                    scene.coreDiameterUm, sim::surfaceLevels(scene).core, dx, dy);
         if (refinementRuns(scene.centerX, scene.centerY)) {
             EXPECT_LE(std::abs(dx), 1.5) << "frame " << i;
             EXPECT_LE(std::abs(dy), 1.5) << "frame " << i;

@@ -13,17 +13,17 @@
 
 namespace {
 
-struct Run {
+struct ToolRun {
     int status;
     QList<QByteArray> lines;
     QString errors;
 };
 
-Run inspect(const QStringList& arguments) {
+ToolRun inspect(const QStringList& arguments) {
     QProcess tool;
     tool.start(INSPECT_TOOL, arguments);
     tool.waitForFinished(120000);
-    Run run;
+    ToolRun run;
     run.status = tool.exitStatus() == QProcess::NormalExit ? tool.exitCode() : -1;
     run.lines = tool.readAllStandardOutput().split('\n');
     run.lines.removeAll(QByteArray());
@@ -52,7 +52,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrder) {
     scene.centerX = 1500.0;  // the window must be moved in from the right edge
     writeRawFrame(root.file("b.raw"), scene);
 
-    const Run run = inspect({"--json", root.file("a.raw"), root.file("b.raw")});
+    const ToolRun run = inspect({"--json", root.file("a.raw"), root.file("b.raw")});
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
     ASSERT_EQ(run.lines.size(), 2);
 
@@ -77,7 +77,7 @@ TEST(InspectTool, BadFramesAreNamedOnStderrAndTheOthersStillInspected) {
     truncated.write(QByteArray(1000, '\0'));
     truncated.close();
 
-    const Run run = inspect({"--json", root.file("truncated.raw"), root.file("missing.png"),
+    const ToolRun run = inspect({"--json", root.file("truncated.raw"), root.file("missing.png"),
                              root.file("good.raw")});
     EXPECT_EQ(run.status, 2);
     ASSERT_EQ(run.lines.size(), 1);
@@ -93,7 +93,7 @@ TEST(InspectTool, AFrameWithoutFiberIsReportedAsNotFound) {
     ASSERT_TRUE(flat.open(QIODevice::WriteOnly));
     flat.write(QByteArray(3840000, '\0'));
     flat.close();
-    const Run run = inspect({"--json", root.file("flat.raw")});
+    const ToolRun run = inspect({"--json", root.file("flat.raw")});
     ASSERT_EQ(run.status, 0);
     const QJsonObject result = parse(run.lines.value(0));
     EXPECT_FALSE(result["found"].toBool());
@@ -102,7 +102,7 @@ TEST(InspectTool, AFrameWithoutFiberIsReportedAsNotFound) {
 }
 
 TEST(InspectTool, WithoutFramesItExplainsItselfAndFails) {
-    const Run run = inspect({});
+    const ToolRun run = inspect({});
     EXPECT_EQ(run.status, 2);
     EXPECT_TRUE(run.errors.contains("no frame given"));
 }
