@@ -30,7 +30,9 @@ void countDefect(TaskZoneResult& result, SizeClass sizeClass) {
     }
 }
 
-int16_t withinLimit(int count, int limit) { return limit == -1 || count <= limit ? 1 : 0; }
+int16_t withinLimit(int count, int limit) {
+    return limit == -1 || count <= limit ? 1 : 0;
+}
 
 }  // namespace
 

@@ -45,13 +45,14 @@ int GetFiberDefectMap::ringAt(long squaredDistance) const {
     return -1;
 }
 
-void GetFiberDefectMap::GetNearBwDefectImgMap(const unsigned char* image,
-                                              unsigned char* defectMap, int width, int height,
-                                              int cx, int cy) const {
+void GetFiberDefectMap::GetNearBwDefectImgMap(const unsigned char* image, unsigned char* defectMap,
+                                              int width, int height, int cx, int cy) const {
     std::memset(defectMap, 0, static_cast<size_t>(width) * height);
     const int reach = largestRadius() - kBorder;
-    const int rowFirst = std::max(cy - reach, kBorder), rowLast = std::min(cy + reach, height - kBorder + 1);
-    const int colFirst = std::max(cx - reach, kBorder), colLast = std::min(cx + reach, width - kBorder + 1);
+    const int rowFirst = std::max(cy - reach, kBorder),
+              rowLast = std::min(cy + reach, height - kBorder + 1);
+    const int colFirst = std::max(cx - reach, kBorder),
+              colLast = std::min(cx + reach, width - kBorder + 1);
     for (int y = rowFirst; y < rowLast; ++y) {
         const long dy2 = static_cast<long>(y - cy) * (y - cy);
         for (int x = colFirst; x < colLast; ++x) {

@@ -60,8 +60,8 @@ void raysAlongColumn(const unsigned char* binary, int width, int height, int x, 
                      PointSink& sink) {
     const int down = cy + kRayStartOffset;
     if (down < height) {
-        const int k = stepsToEdge(binary + static_cast<long>(down) * width + x, width,
-                                  height - down);
+        const int k =
+            stepsToEdge(binary + static_cast<long>(down) * width + x, width, height - down);
         if (k >= 0) {
             sink.append(x, down + k);
         }

@@ -25,7 +25,9 @@ bool hasSetNeighbour(const unsigned char* bw, int bwWidth, int x, int y) {
 
 }  // namespace
 
-GetFiberCenterRegion::GetFiberCenterRegion() { InitPara(2000, 2000, 2, 24, 0, 3, 1, 1); }
+GetFiberCenterRegion::GetFiberCenterRegion() {
+    InitPara(2000, 2000, 2, 24, 0, 3, 1, 1);
+}
 
 void GetFiberCenterRegion::InitPara(int width, int height, int scale, int /*spare*/, int invert,
                                     int erodeSize, int erodeCount, int fullResInvert) {
@@ -155,8 +157,8 @@ void GetFiberCenterRegion::ClarityLabeling(unsigned char* bw, int bwWidth, int b
     }
 }
 
-int GetFiberCenterRegion::ClaritySearchOutBoundary(unsigned char* bw, int bwWidth, int x0,
-                                                   int y0, int index) {
+int GetFiberCenterRegion::ClaritySearchOutBoundary(unsigned char* bw, int bwWidth, int x0, int y0,
+                                                   int index) {
     if (!hasSetNeighbour(bw, bwWidth, x0, y0)) {
         SetPointColor(bw, bwWidth, x0, y0, 0);
         return 0;
@@ -175,7 +177,7 @@ int GetFiberCenterRegion::ClaritySearchOutBoundary(unsigned char* bw, int bwWidt
 // Follows the outer boundary clockwise from the object's first raster pixel, recording every
 // pixel entered in its row's list, until the trace enters the start pixel again.
 void GetFiberCenterRegion::TraceBoundary(const unsigned char* bw, int bwWidth, int x0, int y0,
-                                        Box& box) {
+                                         Box& box) {
     // A trace visits each (pixel, direction) state at most once before it closes; the cap only
     // guards against a picture whose boundary would never lead back to the start.
     const long maxSteps = 8L * bwWidth * rows_ + 1;
@@ -297,8 +299,8 @@ int GetFiberCenterRegion::ClarityGetObjCenter2(int& x, int& y, int expectedRadiu
     return 1;
 }
 
-void GetFiberCenterRegion::BWImageThresh(const unsigned char* image, unsigned char* out,
-                                         int count, int thresh, int invert) {
+void GetFiberCenterRegion::BWImageThresh(const unsigned char* image, unsigned char* out, int count,
+                                         int thresh, int invert) {
     const unsigned char below = invert == 0 ? kSet : 0;
     for (int i = 0; i < count; ++i) {
         out[i] = image[i] < thresh ? below : kSet - below;

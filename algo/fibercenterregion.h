@@ -58,8 +58,8 @@ private:
     static void FillLineBlack(unsigned char* row, int colFirst, int colLast);
     static void SetNum2MinMax(int value, int& minimum, int& maximum);
     static void SetPointColor(unsigned char* bw, int bwWidth, int x, int y, unsigned char value);
-    static void BWImageThresh(const unsigned char* image, unsigned char* out, int count,
-                              int thresh, int invert);
+    static void BWImageThresh(const unsigned char* image, unsigned char* out, int count, int thresh,
+                              int invert);
 
     int width_ = 0;
     int height_ = 0;

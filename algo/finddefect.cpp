@@ -27,8 +27,8 @@ bool ringsOfTask(const TaskInfoSetting& task, const int* bands, int bandCount, f
         if (zone.dCheck != 1) {
             continue;
         }
-        const int end = defect::GetFiberRegion(zone.diameterMin, zone.diameterMax, bands,
-                                               bandCount, ringList.data(), position);
+        const int end = defect::GetFiberRegion(zone.diameterMin, zone.diameterMax, bands, bandCount,
+                                               ringList.data(), position);
         rings.thresholds.insert(rings.thresholds.end(), end - position,
                                 zoneDefectThreshold(task, z));
         position = end;
@@ -70,8 +70,8 @@ int AlgGetFiberDefect(const unsigned char* image, const unsigned char* maskRegio
     }
 
     GetFiberValidDefect extractor;
-    const int count = extractor.GetValidDefect(defectMap, defectMap2, zoneMap, width, height,
-                                               centerX, centerY);
+    const int count =
+        extractor.GetValidDefect(defectMap, defectMap2, zoneMap, width, height, centerX, centerY);
     if (count == -1 || count > maxDefects) {
         return -1;
     }

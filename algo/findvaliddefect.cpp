@@ -81,8 +81,8 @@ GetFiberValidDefect::GetFiberValidDefect()
       capacity_(list_ ? kInitialCapacity : 0) {}
 
 int GetFiberValidDefect::GetValidDefect(unsigned char* defectMap, unsigned char* defectMap2,
-                                        const unsigned char* zoneMap, int width, int height,
-                                        int cx, int cy) {
+                                        const unsigned char* zoneMap, int width, int height, int cx,
+                                        int cy) {
     zoneMap_ = zoneMap;
     const size_t size = static_cast<size_t>(width) * height;
     std::unique_ptr<unsigned char[]> dilated(new (std::nothrow) unsigned char[size]);
@@ -129,8 +129,8 @@ bool GetFiberValidDefect::growList() {
 int GetFiberValidDefect::FillRegion(unsigned char* map, unsigned char* regions, int width,
                                     int height, int x, int y, int cx, int cy, int minSide) {
     int left, top, right, bottom, zone;
-    const int pixels = fill_.Fill(map, regions, zoneMap_, width, height, x, y, 0, kSet, kSet,
-                                  left, top, right, bottom, zone);
+    const int pixels = fill_.Fill(map, regions, zoneMap_, width, height, x, y, 0, kSet, kSet, left,
+                                  top, right, bottom, zone);
     if (pixels < minSide * minSide) {
         fill_.Fill(regions, width, height, x, y, 0, kSet);
         return -1;
@@ -144,8 +144,8 @@ int GetFiberValidDefect::FillRegion(unsigned char* map, unsigned char* regions, 
             return -1;
         }
     }
-    list_.get()[count_] = {int16_t(top), int16_t(bottom), int16_t(left), int16_t(right),
-                           int16_t(zone), 0};
+    list_.get()[count_] = {int16_t(top),   int16_t(bottom), int16_t(left),
+                           int16_t(right), int16_t(zone),   0};
     return 0;
 }
 

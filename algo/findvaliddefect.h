@@ -27,11 +27,10 @@ private:
         void operator()(defect_info_struct* list) const { std::free(list); }
     };
 
-    int ClarityLabelingFillFlood(unsigned char* map, int width, int height, int rowFrom,
-                                 int rowTo, int colFrom, int colTo, int cx, int cy,
-                                 unsigned char* regions);
-    int FillRegion(unsigned char* map, unsigned char* regions, int width, int height, int x,
-                   int y, int cx, int cy, int minSide);
+    int ClarityLabelingFillFlood(unsigned char* map, int width, int height, int rowFrom, int rowTo,
+                                 int colFrom, int colTo, int cx, int cy, unsigned char* regions);
+    int FillRegion(unsigned char* map, unsigned char* regions, int width, int height, int x, int y,
+                   int cx, int cy, int minSide);
     bool growList();
 
     std::unique_ptr<defect_info_struct, FreeDeleter> list_;

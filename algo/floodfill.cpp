@@ -43,9 +43,13 @@ void FloodFill::push(int x, int y) {
     }
 }
 
-int FloodFill::popx() const { return count_ > 0 ? xs_[count_ - 1] : -1; }
+int FloodFill::popx() const {
+    return count_ > 0 ? xs_[count_ - 1] : -1;
+}
 
-int FloodFill::popy() { return ys_[--count_]; }
+int FloodFill::popy() {
+    return ys_[--count_];
+}
 
 void FloodFill::emptyStack() {
     while (popx() != -1) {

@@ -42,7 +42,9 @@ bool copyResourceOver(const QString& resource, const QString& path) {
 
 }  // namespace
 
-QString settingsFilePath() { return platformPath("/etc/toxlocal.conf"); }
+QString settingsFilePath() {
+    return platformPath("/etc/toxlocal.conf");
+}
 
 SettingsStore::SettingsStore() : settings_(settingsFilePath(), QSettings::IniFormat) {}
 
@@ -50,9 +52,13 @@ QVariant SettingsStore::valueOrDefault(const char* key) const {
     return settings_.value(key, readerDefaults().value(key));
 }
 
-bool SettingsStore::boolValue(const char* key) const { return valueOrDefault(key).toBool(); }
+bool SettingsStore::boolValue(const char* key) const {
+    return valueOrDefault(key).toBool();
+}
 
-int SettingsStore::intValue(const char* key) const { return valueOrDefault(key).toInt(); }
+int SettingsStore::intValue(const char* key) const {
+    return valueOrDefault(key).toInt();
+}
 
 QString SettingsStore::textValue(const char* key) const {
     return valueOrDefault(key).toString();

@@ -31,8 +31,7 @@ struct Measurement {
         // thresholds.
         for (int i = 0; i < spotCount; ++i) {
             const double radius = i < 20 ? 16.0 + 1.8 * i : 72.0 + 1.5 * (i - 20);
-            scene.spots.push_back(
-                sim::spotAtRadius(scene, radius, 137.5 * i, 3.0 + (i % 8), 60.0));
+            scene.spots.push_back(sim::spotAtRadius(scene, radius, 137.5 * i, 3.0 + (i % 8), 60.0));
         }
         sim::renderGray(scene, 320, 120, kRegion, kRegion, gray.data());
         initSectionMapByTaskInfoSF(task, zones.data(), kRegion, kRegion, 480, 480, kScale);

@@ -21,8 +21,8 @@ struct RenderedFrame {
         scene.centerY = 587.6;
         scene.spots.push_back(sim::spotAtRadius(scene, 30.0, 40.0, 5.0, 30.0));
         sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, raw.data());
-        convert_y10bit_to_y8bit(raw.data(), gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0,
-                                0, sim::kFrameWidth, sim::kFrameHeight);
+        convert_y10bit_to_y8bit(raw.data(), gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0, 0,
+                                sim::kFrameWidth, sim::kFrameHeight);
     }
 };
 
@@ -36,8 +36,8 @@ void BM_SearchSingleFiber(benchmark::State& state) {
     unsigned x, y, rawX, rawY;
     for (auto _ : state) {
         benchmark::DoNotOptimize(capture.searchSingleFiber(frame().raw.data(), sim::kFrameWidth,
-                                                           sim::kFrameHeight, x, y, rawX, rawY,
-                                                           960, 960, true));
+                                                           sim::kFrameHeight, x, y, rawX, rawY, 960,
+                                                           960, true));
     }
 }
 BENCHMARK(BM_SearchSingleFiber)->Unit(benchmark::kMillisecond);
@@ -46,8 +46,8 @@ void BM_CoarseSearchQuarterScale(benchmark::State& state) {
     CaptureThread capture;
     unsigned x, y;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(
-            frame().gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0.25, 0, 0, x, y));
+        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(frame().gray.data(), sim::kFrameWidth,
+                                                             sim::kFrameHeight, 0.25, 0, 0, x, y));
     }
 }
 BENCHMARK(BM_CoarseSearchQuarterScale)->Unit(benchmark::kMillisecond);

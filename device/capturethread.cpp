@@ -38,9 +38,9 @@ CaptureThread::CaptureThread(QObject* parent)
 
 CaptureThread::~CaptureThread() = default;
 
-int CaptureThread::cvSearchSingleFiber(const unsigned char* image8, unsigned width,
-                                       unsigned height, double scale, unsigned minDiameter,
-                                       unsigned maxDiameter, unsigned& x, unsigned& y) {
+int CaptureThread::cvSearchSingleFiber(const unsigned char* image8, unsigned width, unsigned height,
+                                       double scale, unsigned minDiameter, unsigned maxDiameter,
+                                       unsigned& x, unsigned& y) {
     const int scaledWidth = static_cast<int>(width * scale);
     const int scaledHeight = static_cast<int>(height * scale);
     const cv::Mat frame(static_cast<int>(height), static_cast<int>(width), CV_8UC1,
@@ -85,8 +85,8 @@ int CaptureThread::searchSingleFiber(const uint16_t* frame10, unsigned width, un
     }
 
     if (refine && insideRefineMargin(x, y, width, height)) {
-        convert_y10bit_to_y8bit(frame10, gray, width, height, x - kRefineMargin,
-                                y - kRefineMargin, kRefineCrop, kRefineCrop);
+        convert_y10bit_to_y8bit(frame10, gray, width, height, x - kRefineMargin, y - kRefineMargin,
+                                kRefineCrop, kRefineCrop);
         int cx = kRefineMargin, cy = kRefineMargin, r = kFiberRadiusPx;
         // Whatever center the refinement leaves is used: the fitted one, the blob's, or the
         // crop's own center when it found nothing, which keeps the coarse center.

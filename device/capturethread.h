@@ -31,8 +31,8 @@ public:
     // (x, y). Diameters of 0 set no limit. Returns the number of circles found; with none,
     // (x, y) is the picture's center.
     int cvSearchSingleFiber(const unsigned char* image8, unsigned width, unsigned height,
-                            double scale, unsigned minDiameter, unsigned maxDiameter,
-                            unsigned& x, unsigned& y);
+                            double scale, unsigned minDiameter, unsigned maxDiameter, unsigned& x,
+                            unsigned& y);
 
     const unsigned char* grayBuffer() const { return grayBuffer_.get(); }
 

@@ -10,8 +10,8 @@ namespace {
 
 const QStringList& boardCommands() {
     static const QStringList commands = {
-        "red_led_on",    "red_led_off",  "green_led_on", "green_led_off", "blue_led_on",
-        "blue_led_off",  "lcdbrightness", "reboot",      "bftpd",         "sdexist",
+        "red_led_on",   "red_led_off",   "green_led_on", "green_led_off", "blue_led_on",
+        "blue_led_off", "lcdbrightness", "reboot",       "bftpd",         "sdexist",
     };
     return commands;
 }
@@ -39,7 +39,9 @@ bool writeExecutable(const QString& path, const QByteArray& contents) {
 
 }  // namespace
 
-QString boardCommandLogPath() { return platformPath("/var/log/board-commands.log"); }
+QString boardCommandLogPath() {
+    return platformPath("/var/log/board-commands.log");
+}
 
 bool installBoardStandIns() {
     const QString binDir = platformPath("/usr/local/bin");

@@ -10,7 +10,9 @@ struct ZoneRing {
     double outerSquared;
 };
 
-double squared(double value) { return value * value; }
+double squared(double value) {
+    return value * value;
+}
 
 }  // namespace
 

@@ -15,20 +15,20 @@ constexpr int kMaxZones = 6;            // zones a task record holds
 struct TaskZoneSetting {
     char sectionName[kTaskTextCapacity];  // "A", "B", "D", or "Zone n" for an added zone
     char sectionId[kTaskTextCapacity];    // UUID text
-    int16_t dCheck;          // 1: defects are detected and graded here
-    int16_t sCheck;          // 1: scratches are detected here
-    int16_t diameterMin;     // inner diameter of the ring
-    int16_t diameterMax;     // outer diameter of the ring
-    int16_t dSensitivity;    // 1 .. 10, larger finds fainter defects
-    int16_t sSensitivity;    // 1 .. 10
-    int16_t sWidthLimit;     // narrower scratches are "not bigger"
-    int16_t sNoBiggerLimit;  // narrow scratches allowed
-    int16_t sBiggerLimit;    // wide scratches allowed
-    int16_t dLimit1;         // first defect size boundary
-    int16_t dLimit2;         // second boundary; equal to dLimit1 for two size classes
-    int16_t dNoBiggerLimit;  // defects smaller than dLimit1 allowed
-    int16_t dMidLimit;       // defects from dLimit1 to dLimit2 allowed
-    int16_t dBiggerLimit;    // defects larger than dLimit2 allowed
+    int16_t dCheck;                       // 1: defects are detected and graded here
+    int16_t sCheck;                       // 1: scratches are detected here
+    int16_t diameterMin;                  // inner diameter of the ring
+    int16_t diameterMax;                  // outer diameter of the ring
+    int16_t dSensitivity;                 // 1 .. 10, larger finds fainter defects
+    int16_t sSensitivity;                 // 1 .. 10
+    int16_t sWidthLimit;                  // narrower scratches are "not bigger"
+    int16_t sNoBiggerLimit;               // narrow scratches allowed
+    int16_t sBiggerLimit;                 // wide scratches allowed
+    int16_t dLimit1;                      // first defect size boundary
+    int16_t dLimit2;                      // second boundary; equal to dLimit1 for two size classes
+    int16_t dNoBiggerLimit;               // defects smaller than dLimit1 allowed
+    int16_t dMidLimit;                    // defects from dLimit1 to dLimit2 allowed
+    int16_t dBiggerLimit;                 // defects larger than dLimit2 allowed
 };
 
 // The outcome of one zone after a run: counts, and verdicts (1 pass, 0 fail).

@@ -30,9 +30,13 @@ void replaceTaskFile(const QByteArray& bytes) {
 
 }  // namespace
 
-QString taskFilePath() { return platformPath("/etc/taskinfo.conf"); }
+QString taskFilePath() {
+    return platformPath("/etc/taskinfo.conf");
+}
 
-TaskList::TaskList(QObject* parent) : QObject(parent) { registerTaskMetaTypes(); }
+TaskList::TaskList(QObject* parent) : QObject(parent) {
+    registerTaskMetaTypes();
+}
 
 int TaskList::readTaskListFromJsonFile() {
     QByteArray bytes;

@@ -40,4 +40,6 @@ const QSet<QString>& builtInTaskIds() {
     return ids;
 }
 
-bool isBuiltInTaskId(const QString& taskId) { return builtInTaskIds().contains(taskId); }
+bool isBuiltInTaskId(const QString& taskId) {
+    return builtInTaskIds().contains(taskId);
+}

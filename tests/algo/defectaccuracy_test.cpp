@@ -36,15 +36,14 @@ Detected detect(const Region& region, TaskInfoSetting task) {
         zones(kRegion * kRegion);
     std::vector<short> labels(kRegion * kRegion, -1);
     Detected detected{0, std::vector<defect_info_struct>(500)};
-    initSectionMapByTaskInfoSF(task, zones.data(), kRegion, kRegion, region.centerX,
-                               region.centerY, kScale);
+    initSectionMapByTaskInfoSF(task, zones.data(), kRegion, kRegion, region.centerX, region.centerY,
+                               kScale);
     const std::vector<int> bands =
         task.opticalType == 0 ? std::vector<int>{110, 135} : std::vector<int>{48, 60, 110, 135};
-    detected.count = AlgGetFiberDefect(region.gray.data(), nullptr, map.data(), map2.data(),
-                                       zones.data(), task, kRegion, kRegion, region.centerX,
-                                       region.centerY, kScale, bands.data(),
-                                       int(bands.size() / 2), detected.defects.data(),
-                                       labels.data(), 500);
+    detected.count =
+        AlgGetFiberDefect(region.gray.data(), nullptr, map.data(), map2.data(), zones.data(), task,
+                          kRegion, kRegion, region.centerX, region.centerY, kScale, bands.data(),
+                          int(bands.size() / 2), detected.defects.data(), labels.data(), 500);
     detected.defects.resize(std::max(detected.count, 0));
     return detected;
 }
@@ -206,13 +205,14 @@ TEST(DefectAccuracy, SpotsAboveTheirZonesThresholdAreFoundAndClassified) {
             }
         }
         for (const defect_info_struct& d : detected.defects) {
-            const bool onASpot = std::any_of(
-                region.scene.spots.begin(), region.scene.spots.end(),
-                [&](const sim::Spot& spot) { return overlaps(d, spot, region); });
+            const bool onASpot =
+                std::any_of(region.scene.spots.begin(), region.scene.spots.end(),
+                            [&](const sim::Spot& spot) { return overlaps(d, spot, region); });
             EXPECT_TRUE(onASpot) << "a defect where no spot was rendered, region " << r;
         }
     }
-    std::printf("spots clearly above threshold: %d, found %d (%d broken into pieces); "
-                "size class checked %d, right %d; fainter spots found: %d of %d\n",
-                spots, found, fragmented, classChecked, classRight, faintFound, faint);
+    std::printf(
+        "spots clearly above threshold: %d, found %d (%d broken into pieces); "
+        "size class checked %d, right %d; fainter spots found: %d of %d\n",
+        spots, found, fragmented, classChecked, classRight, faintFound, faint);
 }

@@ -18,8 +18,8 @@ TaskInfoSetting oneZone(int limit1, int limit2) {
     task.sectionNum = 1;
     task.sections[0].dLimit1 = int16_t(limit1);
     task.sections[0].dLimit2 = int16_t(limit2);
-    task.sections[0].dNoBiggerLimit = task.sections[0].dMidLimit =
-        task.sections[0].dBiggerLimit = -1;
+    task.sections[0].dNoBiggerLimit = task.sections[0].dMidLimit = task.sections[0].dBiggerLimit =
+        -1;
     return task;
 }
 

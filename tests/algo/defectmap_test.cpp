@@ -11,8 +11,8 @@ namespace {
 
 std::vector<int> ringsOf(int dMin, int dMax, std::vector<int> bands) {
     std::vector<int> rings(2 * (bands.size() / 2 + 1), -99);
-    const int end = defect::GetFiberRegion(dMin, dMax, bands.data(), int(bands.size() / 2),
-                                           rings.data(), 0);
+    const int end =
+        defect::GetFiberRegion(dMin, dMax, bands.data(), int(bands.size() / 2), rings.data(), 0);
     rings.resize(2 * end);
     return rings;
 }

@@ -18,8 +18,7 @@ struct EdgePoints {
     int n = 0;
 
     explicit EdgePoints(const TestPicture& binary, int cx, int cy) {
-        FillPoints(binary.data(), binary.width, binary.height, cx, cy, 8, xs.data(), ys.data(),
-                   n);
+        FillPoints(binary.data(), binary.width, binary.height, cx, cy, 8, xs.data(), ys.data(), n);
     }
 };
 

@@ -31,9 +31,9 @@ struct BlobResult {
 BlobResult runBlobStage(const Picture& picture, int expectedRadius = 122) {
     GetFiberCenterRegion region;
     BlobResult result{0, -1, -1, 77, std::vector<unsigned char>(picture.pixels.size(), 7)};
-    result.code = region.AlgGetFiberCenterXY2(picture.data(), result.work.data(), picture.width,
-                                              picture.height, expectedRadius, result.x, result.y,
-                                              result.r);
+    result.code =
+        region.AlgGetFiberCenterXY2(picture.data(), result.work.data(), picture.width,
+                                    picture.height, expectedRadius, result.x, result.y, result.r);
     return result;
 }
 

@@ -43,10 +43,10 @@ struct Detection {
 
     int run(int maxDefects = 500) {
         initSectionMapByTaskInfoSF(task, zones.data(), kSize, kSize, kCenter, kCenter, kScale);
-        return AlgGetFiberDefect(picture.data(), mask.empty() ? nullptr : mask.data(),
-                                 map.data(), map2.data(), zones.data(), task, kSize, kSize,
-                                 kCenter, kCenter, kScale, bands.data(), int(bands.size() / 2),
-                                 defects.data(), labels.data(), maxDefects);
+        return AlgGetFiberDefect(picture.data(), mask.empty() ? nullptr : mask.data(), map.data(),
+                                 map2.data(), zones.data(), task, kSize, kSize, kCenter, kCenter,
+                                 kScale, bands.data(), int(bands.size() / 2), defects.data(),
+                                 labels.data(), maxDefects);
     }
 };
 

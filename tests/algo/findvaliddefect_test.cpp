@@ -24,9 +24,9 @@ struct Extraction {
     }
     int run(int cx = 0, int cy = 0) {
         GetFiberValidDefect extractor;
-        count = extractor.GetValidDefect(map.data(), accepted.data(),
-                                         zones.empty() ? nullptr : zones.data(), kSize, kSize, cx,
-                                         cy);
+        count =
+            extractor.GetValidDefect(map.data(), accepted.data(),
+                                     zones.empty() ? nullptr : zones.data(), kSize, kSize, cx, cy);
         if (count > 0) {
             defects.assign(extractor.GetDefectList(), extractor.GetDefectList() + count);
         }
@@ -150,11 +150,9 @@ TEST(ValidDefect, AnEmptyMapGivesNoDefect) {
 
 TEST(DefectBoxes, TheLabelMapShowsTheLaterDefectWhereBoxesOverlap) {
     const defect_info_struct list[] = {
-        {2, 5, 2, 5, 0, 0},
-        {4, 7, 4, 7, 1, 0},
-        {0, 3, 0, 3, 0, 0},        // top 0: skipped
-        {6, 5, 0, 3, 0, 0},        // inverted: skipped
-        {1, 2, 8, 9, kNoZone, 0},  // in no zone: skipped
+        {2, 5, 2, 5, 0, 0},       {4, 7, 4, 7, 1, 0}, {0, 3, 0, 3, 0, 0},  // top 0: skipped
+        {6, 5, 0, 3, 0, 0},                                                // inverted: skipped
+        {1, 2, 8, 9, kNoZone, 0},                                          // in no zone: skipped
     };
     std::vector<short> labels(10 * 10, -1);
     std::vector<unsigned char> mask(10 * 10, 0);

@@ -27,8 +27,8 @@ struct Filled {
 Filled fill(FloodFill& flood, Map& image, Map& mark, const Map* zones, int x, int y) {
     Filled f{};
     f.count = flood.Fill(image.pixels.data(), mark.pixels.data(),
-                         zones ? zones->pixels.data() : nullptr, image.width, image.height, x, y,
-                         0, 255, 9, f.minX, f.minY, f.maxX, f.maxY, f.minZone);
+                         zones ? zones->pixels.data() : nullptr, image.width, image.height, x, y, 0,
+                         255, 9, f.minX, f.minY, f.maxX, f.maxY, f.minZone);
     return f;
 }
 

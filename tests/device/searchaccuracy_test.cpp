@@ -64,16 +64,17 @@ TEST(SearchAccuracy, RenderedFibersAreFoundAndRefinedToWithinOneAndAHalfPixels) 
         const sim::EndFaceScene scene = randomScene(random);
         sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, frame.data());
         unsigned x, y, rawX, rawY;
-        ASSERT_EQ(capture.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, x,
-                                            y, rawX, rawY, 960, 960, true),
+        ASSERT_EQ(capture.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, x, y,
+                                            rawX, rawY, 960, 960, true),
                   1)
             << "frame " << i << " at " << scene.centerX << "," << scene.centerY;
         const double dx = rawX - scene.centerX, dy = rawY - scene.centerY;
         const char* where = refinementRuns(scene.centerX, scene.centerY) ? "refined" : "coarse";
-        std::printf("frame %2d %-7s at (%7.2f, %7.2f) blur %.2f noise %.2f core %4.1f um "
-                    "level %3.0f: error (%+.2f, %+.2f)\n",
-                    i, where, scene.centerX, scene.centerY, scene.blurSigmaPx, scene.noiseSigma,
-                    scene.coreDiameterUm, sim::surfaceLevels(scene).core, dx, dy);
+        std::printf(
+            "frame %2d %-7s at (%7.2f, %7.2f) blur %.2f noise %.2f core %4.1f um "
+            "level %3.0f: error (%+.2f, %+.2f)\n",
+            i, where, scene.centerX, scene.centerY, scene.blurSigmaPx, scene.noiseSigma,
+            scene.coreDiameterUm, sim::surfaceLevels(scene).core, dx, dy);
         if (refinementRuns(scene.centerX, scene.centerY)) {
             EXPECT_LE(std::abs(dx), 1.5) << "frame " << i;
             EXPECT_LE(std::abs(dy), 1.5) << "frame " << i;

@@ -21,12 +21,12 @@ protected:
         return search(render(scene), window, window, refine);
     }
 
-    Search search(const std::vector<uint16_t>& frame, unsigned windowWidth,
-                  unsigned windowHeight, bool refine) {
+    Search search(const std::vector<uint16_t>& frame, unsigned windowWidth, unsigned windowHeight,
+                  bool refine) {
         Search s{0, 1, 2, 3, 4};
-        s.found = capture_.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight,
-                                             s.x, s.y, s.rawX, s.rawY, windowWidth,
-                                             windowHeight, refine);
+        s.found =
+            capture_.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, s.x, s.y,
+                                       s.rawX, s.rawY, windowWidth, windowHeight, refine);
         return s;
     }
 

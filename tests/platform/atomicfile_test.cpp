@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
 #include <QDir>
 #include <QFile>
 #include <csignal>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "temproot.h"
 

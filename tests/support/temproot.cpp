@@ -17,7 +17,9 @@ TempRoot::~TempRoot() {
     }
 }
 
-QString TempRoot::file(const QString& relative) const { return dir_.path() + "/" + relative; }
+QString TempRoot::file(const QString& relative) const {
+    return dir_.path() + "/" + relative;
+}
 
 QString realSamplesDir() {
     const QString dir = qEnvironmentVariable("LUMASPECTER_SAMPLES");

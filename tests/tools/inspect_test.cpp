@@ -39,7 +39,9 @@ void writeRawFrame(const QString& path, const sim::EndFaceScene& scene) {
     file.write(reinterpret_cast<const char*>(frame.data()), qint64(frame.size() * 2));
 }
 
-QJsonObject parse(const QByteArray& line) { return QJsonDocument::fromJson(line).object(); }
+QJsonObject parse(const QByteArray& line) {
+    return QJsonDocument::fromJson(line).object();
+}
 
 }  // namespace
 
@@ -77,8 +79,8 @@ TEST(InspectTool, BadFramesAreNamedOnStderrAndTheOthersStillInspected) {
     truncated.write(QByteArray(1000, '\0'));
     truncated.close();
 
-    const ToolRun run = inspect({"--json", root.file("truncated.raw"), root.file("missing.png"),
-                             root.file("good.raw")});
+    const ToolRun run = inspect(
+        {"--json", root.file("truncated.raw"), root.file("missing.png"), root.file("good.raw")});
     EXPECT_EQ(run.status, 2);
     ASSERT_EQ(run.lines.size(), 1);
     EXPECT_EQ(parse(run.lines[0])["image"].toString(), root.file("good.raw"));

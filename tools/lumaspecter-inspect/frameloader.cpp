@@ -58,7 +58,8 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
     }
     const qint64 size = file.size();
     if (size < kRawFrameBytes) {
-        return fail(error, QString("truncated raw frame: %1 of %2 bytes").arg(size).arg(kRawFrameBytes));
+        return fail(error,
+                    QString("truncated raw frame: %1 of %2 bytes").arg(size).arg(kRawFrameBytes));
     }
     if (size > kRawFrameBytes) {
         return fail(error, QString("not a raw frame or picture: %1 bytes, a raw frame has %2")

@@ -31,7 +31,7 @@ SearchResult searchFiber(CaptureThread& capture, const std::vector<uint16_t>& fr
 }
 
 QByteArray asJsonLine(const QString& image, const SearchResult& result) {
-    const QJsonObject object{{"image", image},          {"found", result.found},
+    const QJsonObject object{{"image", image},           {"found", result.found},
                              {"x", int(result.x)},       {"y", int(result.y)},
                              {"rawX", int(result.rawX)}, {"rawY", int(result.rawY)}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
