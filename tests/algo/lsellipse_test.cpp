@@ -1,0 +1,240 @@
+#include "lsellipse.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kEps = 1e-6;
+
+// ---- the least-squares solver ------------------------------------------------------------------
+
+struct System {
+    int m, n;
+    std::vector<double> a;  // row-major m x n
+    std::vector<double> b;
+
+    std::vector<double> solve(int* status = nullptr) const {
+        std::vector<double> x(n, std::nan(""));
+        const int s = LSEllipse().SVD(a.data(), m, n, b.data(), x.data(), kEps);
+        if (status != nullptr) {
+            *status = s;
+        }
+        return x;
+    }
+
+    // A^T (A x - b): zero exactly at the least-squares solutions.
+    std::vector<double> normalResidual(const std::vector<double>& x) const {
+        std::vector<double> r(m), g(n, 0.0);
+        for (int i = 0; i < m; ++i) {
+            r[i] = -b[i];
+            for (int j = 0; j < n; ++j) {
+                r[i] += a[i * n + j] * x[j];
+            }
+        }
+        for (int j = 0; j < n; ++j) {
+            for (int i = 0; i < m; ++i) {
+                g[j] += a[i * n + j] * r[i];
+            }
+        }
+        return g;
+    }
+};
+
+void expectNear(const std::vector<double>& expected, const std::vector<double>& actual,
+                double tolerance) {
+    ASSERT_EQ(expected.size(), actual.size());
+    for (std::size_t k = 0; k < expected.size(); ++k) {
+        EXPECT_NEAR(expected[k], actual[k], tolerance) << "element " << k;
+    }
+}
+
+System randomSystem(int m, int n, unsigned seed) {
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<double> value(-10.0, 10.0);
+    System s{m, n, std::vector<double>(m * n), std::vector<double>(m)};
+    for (double& v : s.a) {
+        v = value(generator);
+    }
+    for (double& v : s.b) {
+        v = value(generator);
+    }
+    return s;
+}
+
+TEST(LeastSquaresSolver, SolvesAFullRankOverdeterminedSystem) {
+    // b = A (2, 3) + r with r = (1, -1, -1, 1) orthogonal to both columns, so (2, 3) is the
+    // least-squares solution although no x fits exactly.
+    const System s{4, 2, {1, 0, 1, 1, 1, 2, 1, 3}, {3, 4, 7, 12}};
+    int status = 0;
+    expectNear({2.0, 3.0}, s.solve(&status), 1e-12);
+    EXPECT_EQ(1, status);
+}
+
+TEST(LeastSquaresSolver, SolvesASquareSystemExactly) {
+    // b = A (1, 2, 3).
+    const System s{3, 3, {4, -2, 1, 3, 6, -4, 2, 1, 8}, {3, 3, 28}};
+    expectNear({1.0, 2.0, 3.0}, s.solve(), 1e-12);
+}
+
+TEST(LeastSquaresSolver, MeetsTheNormalEquationsOnARandomSystem) {
+    const System s = randomSystem(40, 5, 7);
+    expectNear(std::vector<double>(5, 0.0), s.normalResidual(s.solve()), 1e-9);
+}
+
+TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfDuplicateColumns) {
+    // Every x with x0 + x1 = 1/14 is a least-squares solution; the shortest splits it evenly.
+    const System s{3, 2, {1, 1, 2, 2, 3, 3}, {1, 0, 0}};
+    expectNear({1.0 / 28, 1.0 / 28}, s.solve(), 1e-12);
+}
+
+TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfADependentColumn) {
+    // Column 2 = column 0 + column 1: least-squares solutions differ by multiples of
+    // (1, 1, -1), and the minimum-norm one is orthogonal to it.
+    System s = randomSystem(12, 3, 11);
+    for (int i = 0; i < s.m; ++i) {
+        s.a[i * 3 + 2] = s.a[i * 3] + s.a[i * 3 + 1];
+    }
+    const std::vector<double> x = s.solve();
+    expectNear({0.0, 0.0, 0.0}, s.normalResidual(x), 1e-9);
+    EXPECT_NEAR(0.0, x[0] + x[1] - x[2], 1e-9);
+}
+
+TEST(LeastSquaresSolver, LeavesTheUnknownsOfZeroColumnsAtZero) {
+    // b = A (any, 1, -1, 2) with the first column zero.
+    const System s{4, 4, {0, 1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 10, 0, 2, 1, 1}, {5, 11, 19, 3}};
+    expectNear({0.0, 1.0, -1.0, 2.0}, s.solve(), 1e-12);
+    // and with zero columns in between: b = A (1, any, 2, any).
+    const System t{4, 4, {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 7, 0, 2, 0, 9, 0}, {5, 11, 19, 20}};
+    expectNear({1.0, 0.0, 2.0, 0.0}, t.solve(), 1e-12);
+}
+
+TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfAnUnderdeterminedSystem) {
+    expectNear({1.0, 1.0}, System{1, 2, {1, 1}, {2}}.solve(), 1e-12);
+    // Two equations, three unknowns: the shortest x lies in the row space, x = A^T y.
+    const System s{2, 3, {1, 0, 1, 0, 1, 1}, {3, 3}};
+    expectNear({1.0, 1.0, 2.0}, s.solve(), 1e-12);
+}
+
+TEST(LeastSquaresSolver, SolvesAZeroMatrixWithZero) {
+    const System s{3, 2, std::vector<double>(6, 0.0), {1, 2, 3}};
+    int status = 0;
+    expectNear({0.0, 0.0}, s.solve(&status), 0.0);
+    EXPECT_EQ(1, status);
+}
+
+// The exact solution of this nearly singular system is (2, 0); its second singular value, about
+// 5e-10 of the first, is below eps, and the system is solved as the rank-1 one it nearly is.
+TEST(LeastSquaresSolver, DropsSingularValuesBelowEpsRelative) {
+    const System s{2, 2, {1, 1, 1, 1 + 1e-9}, {2, 2}};
+    expectNear({1.0, 1.0}, s.solve(), 1e-6);
+}
+
+// ---- the ellipse fit ---------------------------------------------------------------------------
+
+using Fit = std::array<double, 5>;
+
+struct Points {
+    std::vector<int> xs, ys;
+
+    void add(int x, int y) {
+        xs.push_back(x);
+        ys.push_back(y);
+    }
+
+    Fit fit() const {
+        Fit result;
+        LSEllipse().cvFitEllipse2f(xs.data(), ys.data(), int(xs.size()), result.data());
+        return result;
+    }
+};
+
+// Points of the ellipse with semi-axes (along, across) whose `along` axis points at `degrees`
+// from the x axis, rounded to whole pixels as edge points are.
+Points ellipsePoints(double cx, double cy, double along, double across, double degrees, int count) {
+    const double phi = degrees * kPi / 180.0;
+    Points points;
+    for (int k = 0; k < count; ++k) {
+        const double tau = 2.0 * kPi * k / count;
+        const double u = along * std::cos(tau), v = across * std::sin(tau);
+        points.add(int(std::lround(cx + u * std::cos(phi) - v * std::sin(phi))),
+                   int(std::lround(cy + u * std::sin(phi) + v * std::cos(phi))));
+    }
+    return points;
+}
+
+TEST(EllipseFit, FitsACircleOfEdgePoints) {
+    const Fit fit = ellipsePoints(160, 160, 122, 122, 0, 400).fit();
+    EXPECT_NEAR(160.0, fit[0], 0.05);
+    EXPECT_NEAR(160.0, fit[1], 0.05);
+    EXPECT_NEAR(244.0, fit[2], 0.5);
+    EXPECT_NEAR(244.0, fit[3], 0.5);
+}
+
+// The angle is the direction of the larger axis plus 90 degrees: 90 when it lies along x.
+TEST(EllipseFit, FitsAnAxisAlignedEllipse) {
+    const Fit fit = ellipsePoints(300, 240, 130, 110, 0, 400).fit();
+    EXPECT_NEAR(300.0, fit[0], 0.05);
+    EXPECT_NEAR(240.0, fit[1], 0.05);
+    EXPECT_NEAR(220.0, fit[2], 0.5);
+    EXPECT_NEAR(260.0, fit[3], 0.5);
+    EXPECT_NEAR(90.0, fit[4], 0.2);
+}
+
+TEST(EllipseFit, FitsRotatedEllipses) {
+    const double rotations[] = {30.0, -30.0, 60.0, 89.0, -89.0};
+    for (double degrees : rotations) {
+        const Fit fit = ellipsePoints(250, 200, 130, 70, degrees, 500).fit();
+        EXPECT_NEAR(250.0, fit[0], 0.05) << degrees;
+        EXPECT_NEAR(200.0, fit[1], 0.05) << degrees;
+        EXPECT_NEAR(140.0, fit[2], 0.5) << degrees;
+        EXPECT_NEAR(260.0, fit[3], 0.5) << degrees;
+        EXPECT_NEAR(degrees + 90.0, fit[4], 0.3) << degrees;
+    }
+}
+
+// Five points fix a conic: (x/10)^2 + (y/5)^2 = 1 around (200, 150) through five whole-pixel
+// points. Their centroid is off the center, so the center step has work to do.
+TEST(EllipseFit, FitsFivePointsOnAConicExactly) {
+    Points points;
+    points.add(210, 150);
+    points.add(190, 150);
+    points.add(200, 155);
+    points.add(206, 154);
+    points.add(192, 153);
+    const Fit fit = points.fit();
+    EXPECT_NEAR(200.0, fit[0], 1e-9);
+    EXPECT_NEAR(150.0, fit[1], 1e-9);
+    EXPECT_NEAR(10.0, fit[2], 1e-9);
+    EXPECT_NEAR(20.0, fit[3], 1e-9);
+    EXPECT_NEAR(90.0, fit[4], 1e-6);
+}
+
+// No ellipse fits points on a line: the systems are rank-deficient, solved through the
+// generalised inverse, and the result stays finite.
+TEST(EllipseFit, GivesFiniteValuesForPointsOnALine) {
+    const int slopes[][2] = {{1, 2}, {1, 0}, {0, 1}, {3, -1}};
+    for (const auto& slope : slopes) {
+        Points points;
+        for (int k = 0; k < 30; ++k) {
+            points.add(10 + slope[0] * k, 50 + slope[1] * k);
+        }
+        for (double value : points.fit()) {
+            EXPECT_TRUE(std::isfinite(value)) << slope[0] << "," << slope[1] << ": " << value;
+        }
+    }
+}
+
+TEST(EllipseFit, GivesNaNWithoutPoints) {
+    const Fit fit = Points().fit();
+    for (double value : fit) {
+        EXPECT_TRUE(std::isnan(value));
+    }
+}
+
+}  // namespace
