@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "linemerge.h"
+#include "mergesegment.h"
+
+namespace {
+
+ScratchRecord segment(double x1, double y1, double x2, double y2, double width = 3.0) {
+    return {x1, y1, x2, y2, width, std::atan2(y2 - y1, x2 - x1), 5.0};
+}
+
+std::vector<ScratchRecord> merged(const std::vector<ScratchRecord>& segments, int sens = 16,
+                                  int cx = 480, int cy = 480) {
+    std::vector<ScratchRecord> out;
+    MergeLumaspecSegment(segments.data(), int(segments.size()), cx, cy, out, sens);
+    return out;
+}
+
+}  // namespace
+
+TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
+    // Pieces of one diagonal scratch, out of order and with gaps, the last one reversed.
+    const std::vector<ScratchRecord> pieces = {
+        segment(300, 200, 360, 260, 3.0), segment(400, 300, 470, 370, 4.5),
+        segment(560, 460, 500, 400, 3.5)};
+    const std::vector<ScratchRecord> out = merged(pieces);
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 300, 1e-6);
+    EXPECT_NEAR(std::max(out[0].x1, out[0].x2), 560, 1e-6);
+    EXPECT_NEAR(std::max(out[0].y1, out[0].y2), 460, 1e-6);
+    EXPECT_EQ(out[0].width, 4.5) << "as wide as its widest piece";
+}
+
+TEST(LineMerge, PiecesApartInAngleOffsetOrDistanceStaySeparate) {
+    const ScratchRecord base = segment(200, 300, 400, 300);
+    EXPECT_EQ(merged({base, segment(420, 300, 560, 330)}).size(), 2u) << "12 degrees apart";
+    EXPECT_EQ(merged({base, segment(420, 312, 560, 312)}).size(), 2u) << "12 px to the side";
+    EXPECT_EQ(merged({base, segment(620, 300, 760, 300)}).size(), 2u) << "a 220 px gap";
+    EXPECT_EQ(merged({base, segment(420, 302, 560, 302)}).size(), 1u);
+}
+
+TEST(LineMerge, PiecesOfACircleAboutTheFiberCenterAreNoScratch) {
+    // Chords of the core's edge, radius 49 px about the center (480, 480).
+    std::vector<ScratchRecord> arcs;
+    for (int k = 0; k < 24; ++k) {
+        const double a = k * M_PI / 12, b = a + M_PI / 10;
+        arcs.push_back(segment(480 + 49 * std::cos(a), 480 + 49 * std::sin(a),
+                               480 + 49 * std::cos(b), 480 + 49 * std::sin(b)));
+    }
+    EXPECT_TRUE(merged(arcs).empty());
+    arcs.push_back(segment(380, 430, 600, 520));  // a scratch across the core
+    EXPECT_EQ(merged(arcs).size(), 1u);
+}
+
+TEST(LineMerge, ShortOrWideCandidatesAreLeftOut) {
+    EXPECT_TRUE(merged({segment(100, 100, 108, 100)}).empty()) << "shorter than 10 px";
+    EXPECT_TRUE(merged({segment(100, 100, 300, 100, 12.5)}).empty()) << "wider than 12 px";
+    EXPECT_TRUE(merged({segment(100, 100, 300, 100, 11.0)}, 10).empty()) << "sens 10: 10 px";
+    EXPECT_EQ(merged({segment(100, 100, 300, 100, 11.0)}, 16).size(), 1u);
+}
+
+TEST(LineMerge, TheSpanTestIsOnTheAxesNotTheLength) {
+    // Length 60 with spans of 42.4 along both axes.
+    const ScratchRecord diagonal = segment(200, 200, 242.4, 242.4);
+    EXPECT_TRUE(merged({diagonal}, 18).empty()) << "spans 42 against 45";
+    EXPECT_EQ(merged({diagonal}, 6).size(), 1u) << "spans 42 against 30";
+    EXPECT_TRUE(merged({segment(200, 200, 270, 200)}, 11).empty()) << "70 is not above 70";
+    EXPECT_EQ(merged({segment(200, 200, 271, 200)}, 11).size(), 1u);
+}
+
+TEST(LineMerge, AnOutOfRangeSensitivityFindsNothing) {
+    const ScratchRecord line = segment(100, 100, 400, 100);
+    EXPECT_TRUE(merged({line}, 0).empty());
+    EXPECT_TRUE(merged({line}, 21).empty());
+    EXPECT_EQ(merged({line}, 1).size(), 1u);
+    EXPECT_EQ(merged({line}, 20).size(), 1u);
+}
+
+TEST(LineMerge, SettingsFollowTheSensitivityTables) {
+    struct Row {
+        int sens, minLength, maxWidth;
+        double a1, p1, g1, a2, p2, g2, span;
+    };
+    const Row rows[] = {
+        {1, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 50},   {2, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},
+        {3, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 50},   {4, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 40},
+        {5, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},   {6, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 30},
+        {7, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 30},  {8, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 25},
+        {9, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 25},  {10, 15, 10, 0.12, 6, 100, 0.1, 6, 200, 40},
+        {11, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70},  {12, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
+        {13, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70},  {14, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
+        {15, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},  {16, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 50},
+        {17, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 50},  {18, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 45},
+        {19, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 45},  {20, 15, 12, 0.1, 6, 150, 0.1, 8, 350, 60},
+    };
+    for (const Row& row : rows) {
+        const MergeSettings s = mergeSettingsFor(row.sens);
+        EXPECT_EQ(s.minLength, row.minLength) << row.sens;
+        EXPECT_EQ(s.maxWidth, row.maxWidth) << row.sens;
+        EXPECT_EQ(s.first.angleTol, row.a1) << row.sens;
+        EXPECT_EQ(s.first.p, row.p1) << row.sens;
+        EXPECT_EQ(s.first.gap, row.g1) << row.sens;
+        EXPECT_EQ(s.second.angleTol, row.a2) << row.sens;
+        EXPECT_EQ(s.second.p, row.p2) << row.sens;
+        EXPECT_EQ(s.second.gap, row.g2) << row.sens;
+        EXPECT_EQ(s.minSpan, row.span) << row.sens;
+    }
+    EXPECT_EQ(mergeSettingsFor(0).minSpan, 35) << "any other sens";
+}
