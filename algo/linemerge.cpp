@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -29,7 +30,9 @@ double angleBetweenLines(double a, double b) {
     return std::min(d, kPi - d);
 }
 
-double lengthOf(const ScratchRecord& s) { return std::hypot(s.x2 - s.x1, s.y2 - s.y1); }
+double lengthOf(const ScratchRecord& s) {
+    return std::hypot(s.x2 - s.x1, s.y2 - s.y1);
+}
 
 // Position of (x, y) along the line through (x0, y0) with unit direction (ux, uy).
 double along(double x, double y, double x0, double y0, double ux, double uy) {
@@ -47,8 +50,7 @@ double Point2PointDisExcludeLength(double first, double last, double candidateFi
     return std::max({0.0, candidateFirst - last, first - candidateLast});
 }
 
-double Point2LineVerticalABSDis(double px, double py, double x0, double y0, double ux,
-                                double uy) {
+double Point2LineVerticalABSDis(double px, double py, double x0, double y0, double ux, double uy) {
     return std::abs((px - x0) * uy - (py - y0) * ux);
 }
 
@@ -57,7 +59,9 @@ double Point2PointLineABSDis(const ScratchRecord& s, double x0, double y0, doubl
                     Point2LineVerticalABSDis(s.x2, s.y2, x0, y0, ux, uy));
 }
 
-LineMerge::LineMerge() { items_.reserve(kInitialCapacity); }
+LineMerge::LineMerge() {
+    items_.reserve(kInitialCapacity);
+}
 
 void LineMerge::SetPara(double angleTol, int p, int gap) {
     angleTol_ = angleTol;
@@ -70,11 +74,10 @@ bool LineMerge::FillPointWidth(const ScratchRecord& segment, int maxWidth) const
 }
 
 bool LineMerge::looksLikeArcAboutCenter(const ScratchRecord& s) const {
-    const double lineDistance = std::abs((s.x2 - s.x1) * (cy_ - s.y1) -
-                                         (s.y2 - s.y1) * (cx_ - s.x1)) /
-                                lengthOf(s);
-    const double farther = std::max(Point2PointDis(cx_, cy_, s.x1, s.y1),
-                                    Point2PointDis(cx_, cy_, s.x2, s.y2));
+    const double lineDistance =
+        std::abs((s.x2 - s.x1) * (cy_ - s.y1) - (s.y2 - s.y1) * (cx_ - s.x1)) / lengthOf(s);
+    const double farther =
+        std::max(Point2PointDis(cx_, cy_, s.x1, s.y1), Point2PointDis(cx_, cy_, s.x2, s.y2));
     const double rise = farther - lineDistance;
     if (rise < kArcBand) {
         return true;
@@ -118,8 +121,7 @@ int LineMerge::FillDataCenter(const ScratchRecord* segments, int n, double cx, d
     return int(items_.size());
 }
 
-int LineMerge::FillData(const std::vector<ScratchRecord>& scratches, int minLength,
-                        int maxWidth) {
+int LineMerge::FillData(const std::vector<ScratchRecord>& scratches, int minLength, int maxWidth) {
     prepare(int(scratches.size()));
     aboutCenter_ = false;
     for (const ScratchRecord& scratch : scratches) {
@@ -139,7 +141,9 @@ void LineMerge::prepare(int candidates) {
     }
 }
 
-void LineMerge::SwapAryItem(int a, int b) { std::swap(items_[a], items_[b]); }
+void LineMerge::SwapAryItem(int a, int b) {
+    std::swap(items_[a], items_[b]);
+}
 
 void LineMerge::SortAry() {
     const int n = int(items_.size());
@@ -174,13 +178,15 @@ bool LineMerge::joins(const Candidate& seed, const Candidate& candidate, double 
     const double b = along(c.x2, c.y2, s.x1, s.y1, ux, uy);
     const double gap =
         Point2PointDisExcludeLength(extentFirst, extentLast, std::min(a, b), std::max(a, b));
-    if (gap >= gap_) {
+    // A group bridges no gap longer than itself: short pieces far apart, such as the outlines
+    // of two spots meeting a common tangent, make no scratch.
+    if (gap >= gap_ || gap > extentLast - extentFirst) {
         return false;
     }
-    // Sideways, a piece may stray by half of p, and by what the angle tolerance allows over
-    // the gap it bridges.
+    // Sideways, a piece may lie p pixels off, the other edge of a scratch up to p wide, and
+    // stray further by what the angle tolerance allows over the gap it bridges.
     const double offset = Point2PointLineABSDis(c, s.x1, s.y1, ux, uy);
-    return offset < 0.5 * p_ + gap * std::tan(angleTol_);
+    return offset < p_ + gap * std::tan(angleTol_);
 }
 
 int LineMerge::GetPartOne(std::vector<ScratchRecord>& out) {
@@ -224,23 +230,37 @@ int LineMerge::GetPartOne(std::vector<ScratchRecord>& out) {
     return written;
 }
 
-// The group's segment: along the seed's line between the extreme member endpoints, as wide
-// as its widest member.
+// The group's segment. The detector sees a scratch wider than a couple of pixels as its two
+// edges, two parallel lines with opposite gradients: the scratch runs midway between the
+// outermost members, along the seed's direction, between the extreme member endpoints, and is
+// as wide as the members lie apart (or as its widest member, if wider).
 ScratchRecord LineMerge::GetRangePoint(const std::vector<int>& members) const {
     const Candidate& seed = items_[members.front()];
     const ScratchRecord& s = seed.segment;
     const double ux = (s.x2 - s.x1) / seed.length, uy = (s.y2 - s.y1) / seed.length;
-    double first = 0.0, last = seed.length, width = s.width;
+    // Positions along the seed's line, and sideways (signed) of it.
+    double first = 0.0, last = seed.length, nearSide = 0.0, farSide = 0.0, width = s.width;
     for (int index : members) {
         const ScratchRecord& m = items_[index].segment;
-        for (double t : {along(m.x1, m.y1, s.x1, s.y1, ux, uy), along(m.x2, m.y2, s.x1, s.y1, ux, uy)}) {
+        for (const auto& [x, y] : {std::pair(m.x1, m.y1), std::pair(m.x2, m.y2)}) {
+            const double t = along(x, y, s.x1, s.y1, ux, uy);
+            const double side = (y - s.y1) * ux - (x - s.x1) * uy;
             first = std::min(first, t);
             last = std::max(last, t);
+            nearSide = std::min(nearSide, side);
+            farSide = std::max(farSide, side);
         }
         width = std::max(width, m.width);
     }
-    return {s.x1 + first * ux, s.y1 + first * uy, s.x1 + last * ux, s.y1 + last * uy,
-            width,       s.direction,        s.significance};
+    const double middle = (nearSide + farSide) / 2;
+    const double ox = -uy * middle, oy = ux * middle;
+    return {s.x1 + first * ux + ox,
+            s.y1 + first * uy + oy,
+            s.x1 + last * ux + ox,
+            s.y1 + last * uy + oy,
+            std::max(width, farSide - nearSide),
+            s.direction,
+            s.significance};
 }
 
 void LineMerge::ExcludeLength(std::vector<ScratchRecord>& scratches, double minSpan) {

@@ -23,9 +23,9 @@ std::vector<ScratchRecord> merged(const std::vector<ScratchRecord>& segments, in
 
 TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
     // Pieces of one diagonal scratch, out of order and with gaps, the last one reversed.
-    const std::vector<ScratchRecord> pieces = {
-        segment(300, 200, 360, 260, 3.0), segment(400, 300, 470, 370, 4.5),
-        segment(560, 460, 500, 400, 3.5)};
+    const std::vector<ScratchRecord> pieces = {segment(300, 200, 360, 260, 3.0),
+                                               segment(400, 300, 470, 370, 4.5),
+                                               segment(560, 460, 500, 400, 3.5)};
     const std::vector<ScratchRecord> out = merged(pieces);
     ASSERT_EQ(out.size(), 1u);
     EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 300, 1e-6);
@@ -37,9 +37,20 @@ TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
 TEST(LineMerge, PiecesApartInAngleOffsetOrDistanceStaySeparate) {
     const ScratchRecord base = segment(200, 300, 400, 300);
     EXPECT_EQ(merged({base, segment(420, 300, 560, 330)}).size(), 2u) << "12 degrees apart";
-    EXPECT_EQ(merged({base, segment(420, 312, 560, 312)}).size(), 2u) << "12 px to the side";
+    EXPECT_EQ(merged({base, segment(420, 316, 560, 316)}).size(), 2u) << "16 px to the side";
     EXPECT_EQ(merged({base, segment(620, 300, 760, 300)}).size(), 2u) << "a 220 px gap";
     EXPECT_EQ(merged({base, segment(420, 302, 560, 302)}).size(), 1u);
+}
+
+TEST(LineMerge, TheTwoEdgesOfAWideScratchBecomeOneScratchBetweenThem) {
+    // A scratch 8 px wide is seen as its two edges, with opposite directions.
+    const std::vector<ScratchRecord> out =
+        merged({segment(100, 296, 400, 296, 4.0), segment(390, 304, 120, 304, 4.5)});
+    ASSERT_EQ(out.size(), 1u);
+    EXPECT_NEAR(out[0].y1, 300.0, 1e-9);
+    EXPECT_NEAR(out[0].y2, 300.0, 1e-9);
+    EXPECT_NEAR(out[0].width, 8.0, 1e-9);
+    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 100.0, 1e-9);
 }
 
 TEST(LineMerge, PiecesOfACircleAboutTheFiberCenterAreNoScratch) {
@@ -85,16 +96,16 @@ TEST(LineMerge, SettingsFollowTheSensitivityTables) {
         double a1, p1, g1, a2, p2, g2, span;
     };
     const Row rows[] = {
-        {1, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 50},   {2, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},
-        {3, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 50},   {4, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 40},
-        {5, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},   {6, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 30},
-        {7, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 30},  {8, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 25},
-        {9, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 25},  {10, 15, 10, 0.12, 6, 100, 0.1, 6, 200, 40},
-        {11, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70},  {12, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
-        {13, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70},  {14, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
-        {15, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},  {16, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 50},
-        {17, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 50},  {18, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 45},
-        {19, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 45},  {20, 15, 12, 0.1, 6, 150, 0.1, 8, 350, 60},
+        {1, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 50},  {2, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},
+        {3, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 50},  {4, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 40},
+        {5, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},  {6, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 30},
+        {7, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 30}, {8, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 25},
+        {9, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 25}, {10, 15, 10, 0.12, 6, 100, 0.1, 6, 200, 40},
+        {11, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70}, {12, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
+        {13, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70}, {14, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
+        {15, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60}, {16, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 50},
+        {17, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 50}, {18, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 45},
+        {19, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 45}, {20, 15, 12, 0.1, 6, 150, 0.1, 8, 350, 60},
     };
     for (const Row& row : rows) {
         const MergeSettings s = mergeSettingsFor(row.sens);

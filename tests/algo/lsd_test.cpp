@@ -1,0 +1,564 @@
+// The fast arctangent and the line segment detector, on synthetic images whose edges are known
+// exactly.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "fastatan2.h"
+#include "lsd.h"
+
+namespace {
+
+constexpr float kPi = 3.1415927f;
+constexpr float kHalfPi = 1.5707964f;
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                        fastAtan2                                             */
+/*----------------------------------------------------------------------------------------------*/
+
+TEST(FastAtan2, ZeroVectorAndTheAxes) {
+    EXPECT_EQ(fastAtan2(0.0f, 0.0f), 0.0f);
+    EXPECT_EQ(fastAtan2(1.0f, 0.0f), kHalfPi);
+    EXPECT_EQ(fastAtan2(0.0f, -1.0f), kPi);
+    EXPECT_EQ(fastAtan2(0.0f, 1.0f), 0.0f);
+    EXPECT_EQ(fastAtan2(-1.0f, 0.0f), -kHalfPi);
+    EXPECT_EQ(fastAtan2(5.0f, 0.0f), kHalfPi) << "any length";
+}
+
+TEST(FastAtan2, EachQuadrantAndOctantHasItsSign) {
+    // Within 45 degrees of the x axis (|y| < |x|) and of the y axis (|y| >= |x|).
+    EXPECT_NEAR(fastAtan2(1.0f, 3.0f), std::atan2(1.0, 3.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(-1.0f, 3.0f), std::atan2(-1.0, 3.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(1.0f, -3.0f), std::atan2(1.0, -3.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(-1.0f, -3.0f), std::atan2(-1.0, -3.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(3.0f, 1.0f), std::atan2(3.0, 1.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(3.0f, -1.0f), std::atan2(3.0, -1.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(-3.0f, 1.0f), std::atan2(-3.0, 1.0), 2e-3);
+    EXPECT_NEAR(fastAtan2(-3.0f, -1.0f), std::atan2(-3.0, -1.0), 2e-3);
+    // The diagonals take the second rule (a = b) and are exact: the table ends on pi/4.
+    EXPECT_FLOAT_EQ(fastAtan2(2.0f, 2.0f), kHalfPi - 0.7853982f);
+    EXPECT_FLOAT_EQ(fastAtan2(-2.0f, -2.0f), -kHalfPi - 0.7853982f);
+}
+
+TEST(FastAtan2, StaysWithin2e3RadOfAtan2AndInsideMinusPiPi) {
+    double worst = 0.0;
+    for (int iy = -200; iy <= 200; ++iy) {
+        for (int ix = -200; ix <= 200; ++ix) {
+            const float y = iy * 0.37f;
+            const float x = ix * 0.29f;
+            const float a = fastAtan2(y, x);
+            ASSERT_GT(a, -kPi);
+            ASSERT_LE(a, kPi);
+            if (ix != 0 || iy != 0) {
+                double e = std::fabs(a - std::atan2(double(y), double(x)));
+                e = std::min(e, 2.0 * M_PI - e);  // pi and -pi are the same direction
+                worst = std::max(worst, e);
+            }
+        }
+    }
+    EXPECT_LT(worst, 2e-3);
+    EXPECT_GT(worst, 1e-3) << "the 1/255 table indexed by 256 leaves an error of this size";
+}
+
+TEST(FastAtan2, SmallRatiosAreTheirOwnArctangentAndTheTableTakesOverAt1Over255) {
+    const float below = 0.0039f;  // under 1/255
+    EXPECT_FLOAT_EQ(fastAtan2(below, 1.0f), below);
+    // Just above 1/255 the table is read at (256 t - 0.5) / 255 instead of t: about 0.5/255 low.
+    const float above = 0.00393f;
+    EXPECT_NEAR(fastAtan2(above, 1.0f), std::atan((256.0 * above - 0.5) / 255.0), 1e-6);
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                    Synthetic images                                          */
+/*----------------------------------------------------------------------------------------------*/
+
+struct Image {
+    int width;
+    int height;
+    std::vector<double> px;
+    Image(int w, int h, double level) : width(w), height(h), px(size_t(w) * h, level) {}
+    double& at(int x, int y) { return px[size_t(y) * width + x]; }
+};
+
+// Share of a blurred band |t| <= halfWidth at signed distance t; an infinite band is a step.
+double blurredStep(double t, double blur) {
+    return 0.5 * (1.0 + std::erf(t / (std::sqrt(2.0) * blur)));
+}
+
+// A straight edge through (x0, y0): brighter (by contrast) on the side the unit normal
+// (nx, ny) points to.
+void drawEdge(Image& im, double x0, double y0, double nx, double ny, double contrast, double blur) {
+    for (int y = 0; y < im.height; ++y) {
+        for (int x = 0; x < im.width; ++x) {
+            im.at(x, y) += contrast * blurredStep((x - x0) * nx + (y - y0) * ny, blur);
+        }
+    }
+}
+
+double distanceToSegment(double x, double y, double x1, double y1, double x2, double y2) {
+    const double dx = x2 - x1, dy = y2 - y1;
+    const double t = std::clamp(((x - x1) * dx + (y - y1) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+    return std::hypot(x - (x1 + t * dx), y - (y1 + t * dy));
+}
+
+// A dark scratch of the given width from (x1, y1) to (x2, y2), with rounded ends.
+void drawScratch(Image& im, double x1, double y1, double x2, double y2, double width,
+                 double contrast, double blur) {
+    for (int y = 0; y < im.height; ++y) {
+        for (int x = 0; x < im.width; ++x) {
+            const double d = distanceToSegment(x, y, x1, y1, x2, y2);
+            im.at(x, y) -=
+                contrast * (blurredStep(width / 2 - d, blur) - blurredStep(-width / 2 - d, blur));
+        }
+    }
+}
+
+void addNoise(Image& im, double sigma, unsigned seed) {
+    std::mt19937 rng(seed);
+    std::normal_distribution<double> noise(0.0, sigma);
+    for (double& v : im.px) {
+        v += noise(rng);
+    }
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                   Running the detector                                       */
+/*----------------------------------------------------------------------------------------------*/
+
+struct Segment {
+    double x1, y1, x2, y2, width, direction, logNfa;
+    double length() const { return std::hypot(x2 - x1, y2 - y1); }
+};
+
+// The instrument's settings (sens 16), the whole image searched.
+struct Settings {
+    double scale = 0.6;
+    double sigmaScale = 0.8;
+    int mode = 1;
+    double cx = 0.0, cy = 0.0, r = HUGE_VAL;
+    std::vector<double> annuli;  // (inner, outer) pairs
+    std::vector<defect_info_struct> exclusions;
+};
+
+std::vector<Segment> toSegments(double* tuples, int n) {
+    std::vector<Segment> out;
+    for (int i = 0; i < n; ++i) {
+        const double* t = tuples + 7 * i;
+        out.push_back(Segment{t[0], t[1], t[2], t[3], t[4], t[5], t[6]});
+    }
+    freeLineSegments(tuples);
+    return out;
+}
+
+double* runDetector(const Image& im, const Settings& s, int* n, int** regionImage = nullptr,
+                    int* rx = nullptr, int* ry = nullptr) {
+    return LineSegmentDetection(n, im.px.data(), im.width, im.height, s.scale, s.sigmaScale, 1.0,
+                                22.5, 0.0, 0.7, 1024, 0.0, 0.1, 22.5, 0.7, regionImage, rx, ry,
+                                s.mode, s.cx, s.cy, s.r, s.annuli.size() / 2.0, s.annuli.data(),
+                                s.exclusions.data(), int(s.exclusions.size()));
+}
+
+std::vector<Segment> detect(const Image& im, const Settings& s = Settings()) {
+    int n = -1;
+    double* tuples = runDetector(im, s, &n);
+    EXPECT_NE(tuples, nullptr);
+    return toSegments(tuples, n);
+}
+
+// Distance of a point from the infinite line through (x0, y0) with unit normal (nx, ny).
+double offLine(double x, double y, double x0, double y0, double nx, double ny) {
+    return std::fabs((x - x0) * nx + (y - y0) * ny);
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                 Geometry of a detection                                      */
+/*----------------------------------------------------------------------------------------------*/
+
+TEST(LineSegmentDetection, AStraightEdgeGivesOneSegmentOnItAcrossTheImage) {
+    // Through (100, 75) at 30 degrees from the x axis; brighter below-left.
+    Image im(200, 150, 60.0);
+    const double a = 30.0 * M_PI / 180.0;
+    const double nx = std::sin(a), ny = -std::cos(a);  // normal, to the bright side
+    drawEdge(im, 100.0, 75.0, nx, ny, 80.0, 1.0);
+    const std::vector<Segment> found = detect(im);
+    ASSERT_EQ(found.size(), 1u);
+    const Segment& s = found[0];
+    EXPECT_LT(offLine(s.x1, s.y1, 100.0, 75.0, nx, ny), 0.3);
+    EXPECT_LT(offLine(s.x2, s.y2, 100.0, 75.0, nx, ny), 0.3);
+    // The edge crosses the image from its left to its right column: x ends within two
+    // sub-sampled pixels of them.
+    EXPECT_LT(std::min(s.x1, s.x2), 3.5);
+    EXPECT_GT(std::max(s.x1, s.x2), 195.5);
+    EXPECT_GT(s.width, 1.0);
+    EXPECT_LT(s.width, 8.0);
+    EXPECT_GT(s.logNfa, 50.0);
+}
+
+TEST(LineSegmentDetection, TheDirectionKeepsTheBrightSideOnTheRightOfTheGradient) {
+    // The sixth value is the angle of (x2 - x1, y2 - y1), and the gradient (dark to bright)
+    // runs along (dy, -dx).
+    for (double deg : {0.0, 20.0, 75.0, 135.0, 200.0, 290.0}) {
+        const double a = deg * M_PI / 180.0;
+        Image im(160, 160, 60.0);
+        drawEdge(im, 80.0, 80.0, std::cos(a), std::sin(a), 80.0, 1.0);  // brighter along a
+        const std::vector<Segment> found = detect(im);
+        ASSERT_FALSE(found.empty()) << deg;
+        const Segment& s = found[0];
+        const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
+        EXPECT_FLOAT_EQ(float(s.direction), fastAtan2(float(dy), float(dx))) << deg;
+        const double gx = dy / s.length(), gy = -dx / s.length();
+        EXPECT_GT(gx * std::cos(a) + gy * std::sin(a), 0.999) << deg;
+    }
+}
+
+TEST(LineSegmentDetection, AScratchGivesItsTwoEdgesWithItsEndsAndWidth) {
+    Image im(240, 160, 150.0);
+    drawScratch(im, 30.0, 40.0, 210.0, 120.0, 3.0, 50.0, 1.0);
+    const std::vector<Segment> found = detect(im);
+    ASSERT_EQ(found.size(), 2u);
+    const double len = std::hypot(180.0, 80.0);
+    const double nx = -80.0 / len, ny = 180.0 / len;
+    double offsets[2];
+    for (int i = 0; i < 2; ++i) {
+        const Segment& s = found[size_t(i)];
+        // parallel to the scratch, on one of its sides
+        const double o1 = (s.x1 - 30.0) * nx + (s.y1 - 40.0) * ny;
+        const double o2 = (s.x2 - 30.0) * nx + (s.y2 - 40.0) * ny;
+        EXPECT_NEAR(o1, o2, 0.3);
+        offsets[i] = 0.5 * (o1 + o2);
+        // from end to end, within two sub-sampled pixels
+        const double t1 = ((s.x1 - 30.0) * 180.0 + (s.y1 - 40.0) * 80.0) / len;
+        const double t2 = ((s.x2 - 30.0) * 180.0 + (s.y2 - 40.0) * 80.0) / len;
+        EXPECT_NEAR(std::min(t1, t2), 0.0, 3.5);
+        EXPECT_NEAR(std::max(t1, t2), len, 3.5);
+        EXPECT_GT(s.width, 1.5);
+        EXPECT_LT(s.width, 6.0);
+    }
+    // The edges lie either side of the middle, about half the width plus the blur away.
+    EXPECT_LT(std::min(offsets[0], offsets[1]), -0.8);
+    EXPECT_GT(std::max(offsets[0], offsets[1]), 0.8);
+    EXPECT_LT(std::fabs(offsets[0] + offsets[1]), 0.4) << "symmetric about the middle";
+}
+
+TEST(LineSegmentDetection, WithoutSubSamplingEndpointsAreStillInPixelMiddles) {
+    // A vertical edge between columns 40 and 41 lies at x = 40.5.
+    Image im(100, 100, 50.0);
+    drawEdge(im, 40.5, 0.0, 1.0, 0.0, 100.0, 0.6);
+    Settings s;
+    s.scale = 1.0;
+    const std::vector<Segment> found = detect(im, s);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_NEAR(found[0].x1, 40.5, 0.05);
+    EXPECT_NEAR(found[0].x2, 40.5, 0.05);
+    EXPECT_NEAR(std::fabs(found[0].y2 - found[0].y1), 98.0, 1.0);
+    // and sub-sampled, the same edge stays at 40.5
+    const std::vector<Segment> scaled = detect(im);
+    ASSERT_EQ(scaled.size(), 1u);
+    EXPECT_NEAR(scaled[0].x1, 40.5, 0.1);
+}
+
+TEST(LineSegmentDetection, BothFormsGiveTheSameSegments) {
+    Image im(120, 90, 100.0);
+    drawScratch(im, 10.0, 20.0, 110.0, 70.0, 2.0, 40.0, 1.0);
+    int n1 = 0, n2 = 0;
+    double* a = LineSegmentDetection(&n1, im.px.data(), im.width, im.height, 0.6, 0.8, 1.0, 22.5,
+                                     0.0, 0.7, 1024, 0.0, 0.1, 22.5, 0.7, nullptr, nullptr, nullptr,
+                                     1, 0.0, 0.0, 0.0, 0.0, nullptr, nullptr, 0);
+    const LsdImage record{im.width, im.height, im.px.data()};
+    double* b =
+        LineSegmentDetection(&n2, record, 0.6, 0.8, 1.0, 22.5, 0.0, 0.7, 1024, 0.0, 0.1, 22.5, 0.7,
+                             nullptr, nullptr, nullptr, 1, 0.0, 0.0, 0.0, 0.0, nullptr, nullptr, 0);
+    ASSERT_EQ(n1, n2);
+    ASSERT_GT(n1, 0);
+    EXPECT_EQ(std::vector<double>(a, a + 7 * n1), std::vector<double>(b, b + 7 * n2));
+    freeLineSegments(a);
+    freeLineSegments(b);
+}
+
+TEST(LineSegmentDetection, TheRegionImageLabelsEachSegmentsPixelsAtTheSubSampledScale) {
+    Image im(200, 150, 150.0);
+    drawScratch(im, 20.0, 30.0, 180.0, 120.0, 3.0, 50.0, 1.0);
+    int n = 0, rx = 0, ry = 0;
+    int* labels = nullptr;
+    double* tuples = runDetector(im, Settings(), &n, &labels, &rx, &ry);
+    ASSERT_NE(labels, nullptr);
+    EXPECT_EQ(rx, 120);  // ceil(200 * 0.6)
+    EXPECT_EQ(ry, 90);
+    std::vector<int> perLabel(size_t(n) + 1, 0);
+    for (int i = 0; i < rx * ry; ++i) {
+        ASSERT_GE(labels[i], 0);
+        ASSERT_LE(labels[i], n);
+        ++perLabel[size_t(labels[i])];
+    }
+    for (int k = 1; k <= n; ++k) {
+        EXPECT_GT(perLabel[size_t(k)], 20) << "segment " << k;
+    }
+    std::free(labels);
+    freeLineSegments(tuples);
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                               What gives no detection                                        */
+/*----------------------------------------------------------------------------------------------*/
+
+TEST(LineSegmentDetection, AFlatImageGivesNoSegmentAndAnEmptyList) {
+    const Image im(64, 48, 128.0);
+    int n = -1;
+    double* tuples = runDetector(im, Settings(), &n);
+    EXPECT_EQ(n, 0);
+    EXPECT_NE(tuples, nullptr);
+    freeLineSegments(tuples);
+}
+
+TEST(LineSegmentDetection, OneRowOrOneColumnImagesHaveNoGradientAndNoSegment) {
+    Image row(300, 1, 0.0), column(1, 300, 0.0), pixel(1, 1, 7.0);
+    for (int i = 0; i < 300; ++i) {
+        row.px[size_t(i)] = column.px[size_t(i)] = i % 50 < 25 ? 20.0 : 200.0;
+    }
+    EXPECT_TRUE(detect(row).empty());
+    EXPECT_TRUE(detect(column).empty());
+    EXPECT_TRUE(detect(pixel).empty());
+    Settings unscaled;
+    unscaled.scale = 1.0;
+    EXPECT_TRUE(detect(row, unscaled).empty());
+}
+
+TEST(LineSegmentDetection, NoiseAloneGivesNoMeaningfulSegment) {
+    // The a-contrario guarantee: on noise, on average at most one false detection per image.
+    int total = 0;
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        Image im(256, 256, 128.0);
+        addNoise(im, 20.0, seed);
+        total += int(detect(im).size());
+    }
+    EXPECT_LE(total, 2);
+}
+
+TEST(LineSegmentDetection, AFloodOfSegmentsIsReturnedWhole) {
+    // Gratings in random directions, tile by tile: thousands of short segments.
+    Image im(960, 960, 128.0);
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> angle(0.0, M_PI);
+    for (int ty = 0; ty < 960; ty += 24) {
+        for (int tx = 0; tx < 960; tx += 24) {
+            const double a = angle(rng);
+            for (int y = ty; y < ty + 24; ++y) {
+                for (int x = tx; x < tx + 24; ++x) {
+                    im.at(x, y) +=
+                        90.0 * std::sin((x * std::cos(a) + y * std::sin(a)) * M_PI / 5.0);
+                }
+            }
+        }
+    }
+    const std::vector<Segment> found = detect(im);
+    EXPECT_GT(found.size(), 4096u);
+    for (const Segment& s : found) {
+        ASSERT_TRUE(std::isfinite(s.x1 + s.y1 + s.x2 + s.y2 + s.width + s.logNfa));
+    }
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                              Annuli and exclusion rectangles                                 */
+/*----------------------------------------------------------------------------------------------*/
+
+// Two scratches about the center (150, 150): one 50 to 70 px from it, one 110 to 120 px.
+Image twoRings() {
+    Image im(300, 300, 150.0);
+    drawScratch(im, 110.0, 90.0, 190.0, 90.0, 3.0, 50.0, 1.0);    // d = 60 .. 72
+    drawScratch(im, 100.0, 262.0, 200.0, 262.0, 3.0, 50.0, 1.0);  // d = 112 .. 123
+    return im;
+}
+
+bool within(const Segment& s, double lo, double hi) {
+    for (double t = 0.0; t <= 1.0; t += 0.05) {
+        const double d =
+            std::hypot(s.x1 + t * (s.x2 - s.x1) - 150.0, s.y1 + t * (s.y2 - s.y1) - 150.0);
+        if (d < lo || d > hi) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST(LineSegmentDetection, OnlyTheAnnuliAreSearched) {
+    const Image im = twoRings();
+    Settings s;
+    s.cx = 150.0;
+    s.cy = 150.0;
+    EXPECT_EQ(detect(im, s).size(), 4u) << "no annuli: everything, both edges of both";
+
+    s.r = 200.0;
+    s.annuli = {40.0, 85.0};
+    std::vector<Segment> found = detect(im, s);
+    EXPECT_EQ(found.size(), 2u);
+    for (const Segment& seg : found) {
+        EXPECT_TRUE(within(seg, 40.0 - 2.0, 85.0 + 2.0));
+    }
+
+    s.annuli = {0.0, 20.0, 100.0, 140.0};
+    found = detect(im, s);
+    EXPECT_EQ(found.size(), 2u);
+    for (const Segment& seg : found) {
+        EXPECT_TRUE(within(seg, 100.0 - 2.0, 140.0 + 2.0));
+    }
+
+    s.annuli = {0.0, 40.0, 140.0, 300.0};
+    EXPECT_TRUE(detect(im, s).empty()) << "both scratches between the annuli";
+}
+
+TEST(LineSegmentDetection, TheSearchRadiusCutsTheAnnuli) {
+    const Image im = twoRings();
+    Settings s;
+    s.cx = 150.0;
+    s.cy = 150.0;
+    s.annuli = {40.0, 300.0};
+    s.r = 300.0;
+    EXPECT_EQ(detect(im, s).size(), 4u);
+    s.r = 100.0;
+    const std::vector<Segment> found = detect(im, s);
+    EXPECT_EQ(found.size(), 2u);
+    for (const Segment& seg : found) {
+        EXPECT_TRUE(within(seg, 40.0, 100.0 + 2.0));
+    }
+}
+
+TEST(LineSegmentDetection, ExclusionRectanglesProduceNoSegment) {
+    Image im(300, 200, 150.0);
+    drawScratch(im, 20.0, 100.0, 280.0, 100.0, 3.0, 50.0, 1.0);
+    Settings s;
+    std::vector<Segment> found = detect(im, s);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_LT(std::min(found[0].x1, found[0].x2), 30.0) << "whole, across x 120..180";
+
+    // A defect box over the middle of the scratch: the pieces either side remain, nothing
+    // reaches into the box (allowing the one sub-sampled pixel a gradient block spans).
+    s.exclusions.push_back(defect_info_struct{80, 120, 120, 180, 0, 0});
+    found = detect(im, s);
+    EXPECT_EQ(found.size(), 4u);
+    for (const Segment& seg : found) {
+        const double lo = std::min(seg.x1, seg.x2), hi = std::max(seg.x1, seg.x2);
+        EXPECT_TRUE(hi < 120.0 || lo > 180.0) << lo << " .. " << hi;
+    }
+
+    // Boxes elsewhere change nothing; a box over all of it leaves nothing.
+    s.exclusions = {defect_info_struct{0, 50, 0, 299, 0, 0}};
+    EXPECT_EQ(detect(im, s).size(), 2u);
+    s.exclusions.push_back(defect_info_struct{90, 110, 0, 299, 3, 1});
+    EXPECT_TRUE(detect(im, s).empty());
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                  Mode 2: the faint pass                                      */
+/*----------------------------------------------------------------------------------------------*/
+
+TEST(LineSegmentDetection, Mode2AlsoFindsEdgesTooFaintForTheFirstPass) {
+    Image im(200, 160, 100.0);
+    drawEdge(im, 100.0, 80.0, 0.6, 0.8, 4.0, 1.0);
+    addNoise(im, 0.3, 11);
+    Settings s;
+    EXPECT_TRUE(detect(im, s).empty()) << "the gradient stays under rho";
+    s.mode = 2;
+    const std::vector<Segment> found = detect(im, s);
+    ASSERT_FALSE(found.empty());
+    EXPECT_LT(offLine(found[0].x1, found[0].y1, 100.0, 80.0, 0.6, 0.8), 1.0);
+    EXPECT_LT(offLine(found[0].x2, found[0].y2, 100.0, 80.0, 0.6, 0.8), 1.0);
+    EXPECT_GT(found[0].length(), 100.0);
+}
+
+TEST(LineSegmentDetection, Mode2KeepsTheFirstPassAndDoesNotFindItsSegmentsAgain) {
+    Image im(240, 160, 150.0);
+    drawScratch(im, 30.0, 40.0, 210.0, 120.0, 3.0, 50.0, 1.0);
+    addNoise(im, 1.0, 3);
+    Settings s;
+    const std::vector<Segment> first = detect(im, s);
+    s.mode = 2;
+    const std::vector<Segment> both = detect(im, s);
+    ASSERT_GE(both.size(), first.size());
+    for (size_t i = 0; i < first.size(); ++i) {
+        EXPECT_EQ(both[i].x1, first[i].x1);
+        EXPECT_EQ(both[i].logNfa, first[i].logNfa);
+    }
+    for (size_t i = first.size(); i < both.size(); ++i) {
+        EXPECT_LT(both[i].length(), 30.0) << "no second copy of the scratch's edges";
+    }
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                The fast square root                                          */
+/*----------------------------------------------------------------------------------------------*/
+
+TEST(LineSegmentDetection, TheFastSquareRootMovesResultsOnlySlightly) {
+    Image im(240, 160, 150.0);
+    drawScratch(im, 30.0, 40.0, 210.0, 120.0, 3.0, 50.0, 1.0);
+    drawEdge(im, 120.0, 80.0, 0.8, -0.6, 30.0, 1.0);
+    addNoise(im, 1.0, 5);
+    const std::vector<Segment> fast = detect(im);
+    setLsdExactSquareRoot(true);
+    const std::vector<Segment> exact = detect(im);
+    setLsdExactSquareRoot(false);
+    ASSERT_EQ(fast.size(), exact.size());
+    ASSERT_FALSE(fast.empty());
+    bool anyDifference = false;
+    for (size_t i = 0; i < fast.size(); ++i) {
+        EXPECT_NEAR(fast[i].x1, exact[i].x1, 0.2);
+        EXPECT_NEAR(fast[i].y1, exact[i].y1, 0.2);
+        EXPECT_NEAR(fast[i].x2, exact[i].x2, 0.2);
+        EXPECT_NEAR(fast[i].y2, exact[i].y2, 0.2);
+        EXPECT_NEAR(fast[i].width, exact[i].width, 0.02 * exact[i].width);
+        anyDifference = anyDifference || fast[i].x1 != exact[i].x1 || fast[i].y2 != exact[i].y2;
+    }
+    EXPECT_TRUE(anyDifference) << "the switch must take effect";
+}
+
+/*----------------------------------------------------------------------------------------------*/
+/*                                        Errors                                                */
+/*----------------------------------------------------------------------------------------------*/
+
+void runOn(const double* data, int width, int height) {
+    int n = 0;
+    freeLineSegments(LineSegmentDetection(&n, data, width, height, 0.6, 0.8, 1.0, 22.5, 0.0, 0.7,
+                                          1024, 0.0, 0.1, 22.5, 0.7, nullptr, nullptr, nullptr, 1,
+                                          0.0, 0.0, 0.0, 0.0, nullptr, nullptr, 0));
+}
+
+void runWith(double scale, double sigma, double quant, double ang, double density, int bins,
+             int mode = 1, double faintQuant = 0.1) {
+    const std::vector<double> flat(64, 1.0);
+    int n = 0;
+    freeLineSegments(LineSegmentDetection(
+        &n, flat.data(), 8, 8, scale, sigma, quant, ang, 0.0, density, bins, 0.0, faintQuant, 22.5,
+        0.7, nullptr, nullptr, nullptr, mode, 0.0, 0.0, 0.0, 0.0, nullptr, nullptr, 0));
+}
+
+TEST(LineSegmentDetectionDeathTest, InvalidArgumentsEndTheProcessWithTheirMessage) {
+    const auto fails = ::testing::ExitedWithCode(1);
+    const std::vector<double> pixels(64, 1.0);
+    EXPECT_EXIT(runOn(nullptr, 8, 8), fails, "LSD Error: invalid image input.");
+    EXPECT_EXIT(runOn(pixels.data(), 0, 8), fails, "LSD Error: invalid image input.");
+    EXPECT_EXIT(runOn(pixels.data(), 8, -1), fails, "LSD Error: invalid image input.");
+    EXPECT_EXIT(runWith(0.0, 0.8, 1.0, 22.5, 0.7, 1024), fails,
+                "LSD Error: 'scale' value must be positive.");
+    EXPECT_EXIT(runWith(0.6, -1.0, 1.0, 22.5, 0.7, 1024), fails,
+                "LSD Error: 'sigma_scale' value must be positive.");
+    EXPECT_EXIT(runWith(0.6, 0.8, -0.5, 22.5, 0.7, 1024), fails,
+                "LSD Error: 'quant' value must be positive.");
+    EXPECT_EXIT(runWith(0.6, 0.8, 1.0, 180.0, 0.7, 1024), fails,
+                "LSD Error: 'ang_th' value must be in the range \\(0,180\\).");
+    EXPECT_EXIT(runWith(0.6, 0.8, 1.0, 22.5, 1.5, 1024), fails,
+                "LSD Error: 'density_th' value must be in the range \\[0,1\\].");
+    EXPECT_EXIT(runWith(0.6, 0.8, 1.0, 22.5, 0.7, 0), fails,
+                "LSD Error: 'n_bins' value must be positive.");
+    EXPECT_EXIT(runWith(0.6, 0.8, 1.0, 22.5, 0.7, 1024, 2, -1.0), fails,
+                "LSD Error: 'quant' value must be positive.");
+}
+
+TEST(LineSegmentDetection, TheFaintThresholdsAreOnlyCheckedInMode2) {
+    runWith(0.6, 0.8, 1.0, 22.5, 0.7, 1024, 1, -1.0);  // returns
+    SUCCEED();
+}
+
+}  // namespace
