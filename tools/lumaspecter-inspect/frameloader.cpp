@@ -14,15 +14,26 @@ int fail(QString& error, const QString& reason) {
     return -1;
 }
 
-int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+// An 8-bit grayscale picture, or an empty matrix with the reason in error.
+cv::Mat readGrayPicture(const QString& path, QString& error) {
     const cv::Mat picture = cv::imread(path.toStdString(), cv::IMREAD_UNCHANGED);
     if (picture.empty()) {
-        return fail(error, "not a readable picture");
+        error = "not a readable picture";
+        return cv::Mat();
     }
     if (picture.depth() != CV_8U || picture.channels() != 1) {
-        return fail(error, QString("not an 8-bit grayscale picture: %1 x %2-bit samples per pixel")
-                               .arg(picture.channels())
-                               .arg(picture.elemSize1() * 8));
+        error = QString("not an 8-bit grayscale picture: %1 x %2-bit samples per pixel")
+                    .arg(picture.channels())
+                    .arg(picture.elemSize1() * 8);
+        return cv::Mat();
+    }
+    return picture;
+}
+
+int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+    const cv::Mat picture = readGrayPicture(path, error);
+    if (picture.empty()) {
+        return -1;
     }
     if (picture.cols != kRawFrameWidth || picture.rows != kRawFrameHeight) {
         return fail(error, QString("picture is %1 x %2, expected %3 x %4")
@@ -83,15 +94,43 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
     return 1;
 }
 
-}  // namespace
-
-int loadRawFrame(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+// Whether the path names a file that can be read, with the reason in error if not.
+bool isReadableFile(const QString& path, QString& error) {
     const QFileInfo info(path);
     if (!info.exists()) {
-        return fail(error, "no such file");
+        error = "no such file";
+        return false;
     }
     if (info.isDir()) {
-        return fail(error, "is a folder");
+        error = "is a folder";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int loadGrayRegion(const QString& path, std::vector<unsigned char>& region, int& width, int& height,
+                   QString& error) {
+    if (!isReadableFile(path, error)) {
+        return -1;
+    }
+    const cv::Mat picture = readGrayPicture(path, error);
+    if (picture.empty()) {
+        return -1;
+    }
+    width = picture.cols;
+    height = picture.rows;
+    region.resize(size_t(width) * height);
+    for (int y = 0; y < height; ++y) {
+        std::copy_n(picture.ptr<uint8_t>(y), width, region.data() + size_t(y) * width);
+    }
+    return 1;
+}
+
+int loadRawFrame(const QString& path, std::vector<uint16_t>& frame, QString& error) {
+    if (!isReadableFile(path, error)) {
+        return -1;
     }
     // Pictures are told apart by their signature, so a raw frame may have any name.
     if (cv::haveImageReader(path.toStdString())) {

@@ -15,3 +15,8 @@ constexpr qint64 kRawFrameBytes = qint64(kRawFrameWidth) * kRawFrameHeight * 2;
 // Reads the file into frame (resized to 1600 x 1200 samples). Returns 1, or -1 with a one-line
 // reason in error (the file itself is never changed).
 int loadRawFrame(const QString& path, std::vector<uint16_t>& frame, QString& error);
+
+// Reads an 8-bit grayscale picture of any size (a measurement region) into region. Returns 1,
+// or -1 with a one-line reason in error.
+int loadGrayRegion(const QString& path, std::vector<unsigned char>& region, int& width, int& height,
+                   QString& error);

@@ -1,53 +1,170 @@
-// lumaspecter-inspect: inspects frames from files as the instrument does after a trigger, and
-// prints one line per frame. Bad frames are reported on stderr and the others still inspected.
+// lumaspecter-inspect: inspects frames (or measurement regions) from files as the instrument
+// does after a trigger, and prints one line per input, in input order. Inputs that cannot be
+// read are reported on stderr; the others are still inspected.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "capturethread.h"
 #include "frameloader.h"
+#include "inspection.h"
+#include "measuresinglefiberthread.h"
 #include "platformroot.h"
+#include "taskchoice.h"
+#include "taskjson.h"
 
 namespace {
 
-// The window the capture thread cuts for a measurement.
-constexpr unsigned kMeasureWindow = 960;
+constexpr qint64 kMaskBytes = qint64(kRawFrameWidth) * kRawFrameHeight;
 
-struct SearchResult {
-    bool found = false;
-    unsigned x = 0, y = 0, rawX = 0, rawY = 0;
+struct Options {
+    QStringList inputs;
+    bool json = false;
+    bool givenCenter = false;
+    int centerX = 0, centerY = 0;
+    OverlayOutput overlays;
+    int jobs = 1;
+    TaskInfoSetting task{};
+    std::vector<unsigned char> mask;
 };
 
-SearchResult searchFiber(CaptureThread& capture, const std::vector<uint16_t>& frame) {
-    SearchResult result;
-    result.found = capture.searchSingleFiber(frame.data(), kRawFrameWidth, kRawFrameHeight,
-                                             result.x, result.y, result.rawX, result.rawY,
-                                             kMeasureWindow, kMeasureWindow, true) != 0;
-    return result;
+struct Outcome {
+    bool done = false;
+    QJsonObject result;
+    QString error;
+};
+
+int usageError(const QString& message) {
+    std::fprintf(stderr, "lumaspecter-inspect: %s\n", qPrintable(message));
+    return 2;
 }
 
-QByteArray asJsonLine(const QString& image, const SearchResult& result) {
-    const QJsonObject object{{"image", image},           {"found", result.found},
-                             {"x", int(result.x)},       {"y", int(result.y)},
-                             {"rawX", int(result.rawX)}, {"rawY", int(result.rawY)}};
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
-}
-
-QByteArray asTextLine(const QString& image, const SearchResult& result) {
-    if (!result.found) {
-        return QString("%1: no fiber found").arg(image).toUtf8();
+bool parseCenter(const QString& text, int& x, int& y) {
+    const QStringList parts = text.split(',');
+    bool okX = false, okY = false;
+    if (parts.size() == 2) {
+        x = parts[0].toInt(&okX);
+        y = parts[1].toInt(&okY);
     }
-    return QString("%1: fiber at (%2, %3), window center (%4, %5)")
-        .arg(image)
-        .arg(result.rawX)
-        .arg(result.rawY)
-        .arg(result.x)
-        .arg(result.y)
+    return okX && okY;
+}
+
+// The sensor mask under the root, if there is one; false when it is there but unusable.
+bool loadMask(std::vector<unsigned char>& mask, QString& error) {
+    QFile file(platformPath("/etc/ccd_mask.dat"));
+    if (!file.exists()) {
+        return true;
+    }
+    if (!file.open(QIODevice::ReadOnly) || file.size() != kMaskBytes) {
+        error = QString("%1: not a sensor mask (%2 bytes, expected %3)")
+                    .arg(file.fileName())
+                    .arg(file.size())
+                    .arg(kMaskBytes);
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    mask.assign(bytes.begin(), bytes.end());
+    return true;
+}
+
+bool readInput(const QString& path, const Options& options, InspectionInput& input,
+               QString& error) {
+    input.path = path;
+    if (!options.givenCenter) {
+        return loadRawFrame(path, input.frame, error) == 1;
+    }
+    input.centerX = options.centerX;
+    input.centerY = options.centerY;
+    return loadGrayRegion(path, input.region, input.regionWidth, input.regionHeight, error) == 1;
+}
+
+Outcome inspectOne(const QString& path, const Options& options, InspectionWorkers workers) {
+    Outcome outcome;
+    InspectionInput input;
+    if (readInput(path, options, input, outcome.error)) {
+        outcome.result =
+            inspect(input, options.task, options.mask.empty() ? nullptr : options.mask.data(),
+                    options.overlays, workers, outcome.error);
+    }
+    return outcome;
+}
+
+QByteArray textLine(const QJsonObject& r) {
+    if (!r["found"].toBool()) {
+        return QString("%1: no fiber found").arg(r["image"].toString()).toUtf8();
+    }
+    return QString("%1: %2 - fiber at (%3, %4), %5 defects, %6 scratches")
+        .arg(r["image"].toString())
+        .arg(r["pass"].toBool() ? "PASS" : "FAIL")
+        .arg(r["left"].toInt() + r["centerX"].toInt())
+        .arg(r["top"].toInt() + r["centerY"].toInt())
+        .arg(r["defectCount"].toInt())
+        .arg(r["scratchCount"].toInt())
         .toUtf8();
+}
+
+// Inspects every input on `jobs` workers and prints the results in input order as they
+// become ready. Returns 2 when an input could not be read, 0 otherwise.
+int inspectAll(const Options& options) {
+    const int n = options.inputs.size();
+    std::vector<Outcome> outcomes(static_cast<size_t>(n));
+    std::mutex mutex;
+    std::condition_variable ready;
+    int next = 0;
+    auto worker = [&] {
+        CaptureThread capture;
+        MeasureSingleFiberThread measure;
+        for (;;) {
+            int index;
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                if (next == n) {
+                    return;
+                }
+                index = next++;
+            }
+            Outcome outcome = inspectOne(options.inputs[index], options, {capture, measure});
+            std::lock_guard<std::mutex> lock(mutex);
+            outcomes[size_t(index)] = std::move(outcome);
+            outcomes[size_t(index)].done = true;
+            ready.notify_all();
+        }
+    };
+    std::vector<std::thread> workers;
+    for (int j = 0; j < std::min(options.jobs, n); ++j) {
+        workers.emplace_back(worker);
+    }
+    int status = 0;
+    for (int i = 0; i < n; ++i) {
+        std::unique_lock<std::mutex> lock(mutex);
+        ready.wait(lock, [&] { return outcomes[size_t(i)].done; });
+        const Outcome& outcome = outcomes[size_t(i)];
+        if (!outcome.error.isEmpty()) {
+            std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(options.inputs[i]),
+                         qPrintable(outcome.error));
+            status = 2;
+            continue;
+        }
+        const QByteArray line = options.json
+                                    ? QJsonDocument(outcome.result).toJson(QJsonDocument::Compact)
+                                    : textLine(outcome.result);
+        std::printf("%s\n", line.constData());
+        std::fflush(stdout);
+    }
+    for (std::thread& thread : workers) {
+        thread.join();
+    }
+    return status;
 }
 
 }  // namespace
@@ -56,39 +173,53 @@ int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        "Finds the fiber in each frame: a raw 1600 x 1200 10-bit frame, or an 8-bit grayscale "
-        "picture of that size.");
+        "Inspects fiber end faces: raw 1600 x 1200 10-bit frames or 8-bit grayscale pictures of "
+        "that size, or with --center measurement regions of any size.");
     parser.addHelpOption();
-    parser.addOption({"json", "Print one JSON object per frame."});
-    parser.addOption({"root", "Platform root for the instrument's fixed paths.", "DIR"});
-    parser.addPositionalArgument("FRAME", "Frame files to inspect.", "FRAME...");
+    parser.addOptions({
+        {"json", "Print one JSON object per input."},
+        {"root", "Platform root for the instrument's fixed paths.", "DIR"},
+        {"task", "Task name or id (default: the last used task, else the first).", "TASK"},
+        {"center", "The inputs are measurement regions with the fiber at X,Y.", "X,Y"},
+        {"overlay", "Write the overlay and the measured image as PNG files here.", "DIR"},
+        {"jobs", "Inputs inspected at once (default: every core).", "N"},
+    });
+    parser.addPositionalArgument("FRAME", "Frames or regions to inspect.", "FRAME...");
     parser.process(app);
     if (parser.isSet("root")) {
         setPlatformRoot(parser.value("root"));
     }
-    const QStringList frames = parser.positionalArguments();
-    if (frames.isEmpty()) {
-        std::fprintf(stderr, "lumaspecter-inspect: no frame given\n%s",
-                     qPrintable(parser.helpText()));
-        return 2;
-    }
 
-    const bool json = parser.isSet("json");
-    CaptureThread capture;
-    std::vector<uint16_t> frame;
-    int status = 0;
-    for (const QString& path : frames) {
-        QString error;
-        if (loadRawFrame(path, frame, error) != 1) {
-            std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(path),
-                         qPrintable(error));
-            status = 2;
-            continue;
-        }
-        const SearchResult result = searchFiber(capture, frame);
-        const QByteArray line = json ? asJsonLine(path, result) : asTextLine(path, result);
-        std::printf("%s\n", line.constData());
-        std::fflush(stdout);
+    Options options;
+    options.inputs = parser.positionalArguments();
+    options.json = parser.isSet("json");
+    if (options.inputs.isEmpty()) {
+        std::fprintf(stderr, "%s", qPrintable(parser.helpText()));
+        return usageError("no frame given");
     }
-    return status;
+    options.givenCenter = parser.isSet("center");
+    if (options.givenCenter &&
+        !parseCenter(parser.value("center"), options.centerX, options.centerY)) {
+        return usageError("--center takes X,Y in pixels");
+    }
+    options.jobs = QThread::idealThreadCount();
+    if (parser.isSet("jobs")) {
+        bool ok = false;
+        options.jobs = parser.value("jobs").toInt(&ok);
+        if (!ok || options.jobs < 1) {
+            return usageError("--jobs takes a number of at least 1");
+        }
+    }
+    if (parser.isSet("overlay")) {
+        options.overlays.folder = parser.value("overlay");
+        if (!QDir().mkpath(options.overlays.folder)) {
+            return usageError(options.overlays.folder + ": cannot create the overlay folder");
+        }
+    }
+    QString error;
+    if (!chooseTask(availableTasks(), parser.value("task"), options.task, error) ||
+        !loadMask(options.mask, error)) {
+        return usageError(error);
+    }
+    return inspectAll(options);
 }

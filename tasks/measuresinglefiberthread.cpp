@@ -1,0 +1,213 @@
+#include "measuresinglefiberthread.h"
+
+#include <QElapsedTimer>
+#include <QMutexLocker>
+#include <algorithm>
+#include <cstring>
+
+#include "finddefect.h"
+#include "overlaysf.h"
+#include "scratchcheck.h"
+#include "sectionmap.h"
+
+namespace {
+
+// Excluded diameter bands of the defect search (um): the cladding edge, and for a multimode
+// fiber the core edge too, where the fiber's own boundary must not count as a defect.
+const int kSingleModeBands[] = {110, 135};
+const int kMultiModeBands[] = {48, 60, 110, 135};
+
+// The scratch search's inspection circle and its excluded range, the cladding edge (um).
+constexpr double kCladdingDiameter = 125.0;
+const double kScratchExcludedRange[] = {110.0, 135.0};
+
+double elapsedMs(const QElapsedTimer& timer) {
+    return timer.nsecsElapsed() / 1e6;
+}
+
+bool sameZones(const std::vector<TaskZoneSetting>& painted, const TaskInfoSetting& task) {
+    const int zones = std::min<int>(task.sectionNum, kMaxZones);
+    if (int(painted.size()) != std::max(zones, 0)) {
+        return false;
+    }
+    for (int z = 0; z < zones; ++z) {
+        if (painted[z].diameterMin != task.sections[z].diameterMin ||
+            painted[z].diameterMax != task.sections[z].diameterMax) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+MeasureSingleFiberThread::MeasureSingleFiberThread(QObject* parent)
+    : QThread(parent),
+      scale_(kUmPerPixel),
+      zoneMap_(kMaxRegionPixels),
+      maskRegion_(kMaxRegionPixels),
+      defectMap_(kMaxRegionPixels),
+      defectMap2_(kMaxRegionPixels),
+      labelMap_(kMaxRegionPixels),
+      defectList_(kMaxDefects),
+      scratches_(kMaxScratches),
+      scratchZones_(kMaxScratches) {
+    registerTaskMetaTypes();
+}
+
+MeasureSingleFiberThread::~MeasureSingleFiberThread() {
+    wait();
+}
+
+bool MeasureSingleFiberThread::startMeasureSingleFiber(TaskInfoSetting task, unsigned char* image,
+                                                       unsigned char* mask, int width, int height,
+                                                       int left, int top, int centerX, int centerY,
+                                                       int fiberFlag, int saveType,
+                                                       QString connectorId, int language) {
+    if (width < 5 || height < 5 || long(width) * height > kMaxRegionPixels) {
+        return false;
+    }
+    task_ = task;
+    image_ = image;
+    mask_ = mask;
+    width_ = width;
+    height_ = height;
+    left_ = left;
+    top_ = top;
+    centerX_ = centerX;
+    centerY_ = centerY;
+    fiberFlag_ = fiberFlag;
+    saveType_ = saveType;
+    connectorId_ = connectorId;
+    language_ = language;
+    start(QThread::InheritPriority);
+    return true;
+}
+
+int MeasureSingleFiberThread::maxMeasureSizeSF(const TaskInfoSetting& task) {
+    int largest = 0;
+    for (int z = 0; z < std::min<int>(task.sectionNum, kMaxZones); ++z) {
+        largest = std::max<int>(largest, task.sections[z].diameterMax);
+    }
+    return largest;
+}
+
+void MeasureSingleFiberThread::initSectionMapByTaskInfoSF(const TaskInfoSetting& task, int width,
+                                                          int height, int centerX, int centerY) {
+    ::initSectionMapByTaskInfoSF(task, zoneMap_.data(), width, height, centerX, centerY, scale_);
+    const int zones = std::clamp<int>(task.sectionNum, 0, kMaxZones);
+    painted_ = {std::vector<TaskZoneSetting>(task.sections, task.sections + zones), width, height,
+                centerX, centerY};
+    ++zoneMapPaints_;
+}
+
+bool MeasureSingleFiberThread::zoneMapFits() const {
+    return painted_.width == width_ && painted_.height == height_ && painted_.centerX == centerX_ &&
+           painted_.centerY == centerY_ && sameZones(painted_.zones, task_);
+}
+
+void MeasureSingleFiberThread::clearForRun() {
+    const size_t pixels = size_t(width_) * height_;
+    results_.clear();
+    defectCount_ = scratchCount_ = 0;
+    std::fill_n(defectMap_.begin(), pixels, 0);
+    std::fill_n(defectMap2_.begin(), pixels, 0);
+    std::fill_n(labelMap_.begin(), pixels, short(-1));
+    std::fill(scratchZones_.begin(), scratchZones_.end(), short(-1));
+    std::fill(std::begin(task_.zoneResults), std::end(task_.zoneResults), TaskZoneResult{});
+}
+
+void MeasureSingleFiberThread::copyMaskRegion() {
+    for (int row = 0; row < height_; ++row) {
+        std::memcpy(maskRegion_.data() + size_t(row) * width_,
+                    mask_ + size_t(top_ + row) * kMaskLineLength + left_, size_t(width_));
+    }
+}
+
+void MeasureSingleFiberThread::detectDefects() {
+    const bool multiMode = task_.opticalType != 0;
+    const int* bands = multiMode ? kMultiModeBands : kSingleModeBands;
+    const int bandCount = multiMode ? 2 : 1;
+    defectCount_ = AlgGetFiberDefect(image_, mask_ ? maskRegion_.data() : nullptr,
+                                     defectMap_.data(), defectMap2_.data(), zoneMap_.data(), task_,
+                                     width_, height_, centerX_, centerY_, float(scale_), bands,
+                                     bandCount, defectList_.data(), labelMap_.data(), kMaxDefects);
+}
+
+void MeasureSingleFiberThread::detectScratches() {
+    // The search reaches out to the largest zone that checks scratches, the cladding at least.
+    double outerDiameter = kCladdingDiameter;
+    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+        if (task_.sections[z].sCheck != 0 && task_.sections[z].diameterMax > outerDiameter) {
+            outerDiameter = task_.sections[z].diameterMax;
+        }
+    }
+    scratchCount_ = FindSectionScratch(
+        image_, width_, height_, scratches_.data(), scratchZones_.data(), kMaxScratches,
+        scratchCount_, task_, float(scale_), centerX_, centerY_, outerDiameter, kCladdingDiameter,
+        kScratchExcludedRange, 1, defectList_.data(), 0);
+}
+
+bool MeasureSingleFiberThread::defectSidePasses() const {
+    if (defectCount_ == -1) {
+        return false;
+    }
+    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+        const TaskZoneResult& r = task_.zoneResults[z];
+        if (r.dNoBiggerResult == 0 || r.dMidResult == 0 || r.dBiggerResult == 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool MeasureSingleFiberThread::scratchSidePasses() const {
+    if (scratchCount_ == -1) {
+        return false;
+    }
+    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+        const TaskZoneResult& r = task_.zoneResults[z];
+        if (r.sNoBiggerResult == 0 || r.sBiggerResult == 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void MeasureSingleFiberThread::collectResults() {
+    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+        results_.append(task_.zoneResults[z]);
+    }
+}
+
+void MeasureSingleFiberThread::drawOverlay() {
+    const SingleFiberFindings findings{defectMap2_.data(), labelMap_.data(),  defectList_.data(),
+                                       defectCount_,       scratches_.data(), scratchZones_.data(),
+                                       scratchCount_};
+    drawOverlayImageSF(image_, width_, height_, centerX_, centerY_, task_, scale_, findings,
+                       measured_, overlay_);
+}
+
+void MeasureSingleFiberThread::run() {
+    QMutexLocker lock(&runLock_);
+    if (!zoneMapFits()) {
+        initSectionMapByTaskInfoSF(task_, width_, height_, centerX_, centerY_);
+    }
+    clearForRun();
+    if (mask_ != nullptr) {
+        copyMaskRegion();
+    }
+    QElapsedTimer timer;
+    timer.start();
+    detectDefects();
+    times_.defects = elapsedMs(timer);
+    timer.restart();
+    detectScratches();
+    times_.scratches = elapsedMs(timer);
+    collectResults();
+    pass_ = defectSidePasses() && scratchSidePasses();
+    timer.restart();
+    drawOverlay();
+    times_.overlay = elapsedMs(timer);
+    emit measureSingleFiberFinished(pass_, &overlay_, &measured_, &results_);
+}

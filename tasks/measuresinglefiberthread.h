@@ -1,0 +1,124 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QMutex>
+#include <QString>
+#include <QThread>
+#include <memory>
+#include <vector>
+
+#include "defectinfo.h"
+#include "scratchrecord.h"
+#include "taskinfo.h"
+
+// One single-fiber measurement per start: the zone map, defects and scratches with their
+// grading per zone, the overall verdict and the overlay, reported by
+// measureSingleFiberFinished. The buffers are allocated once, for regions of up to a whole
+// frame, and reused; the reported pointers stay valid until the next run starts.
+class MeasureSingleFiberThread : public QThread {
+    Q_OBJECT
+
+public:
+    static constexpr int kMaxDefects = 500;
+    static constexpr int kMaxScratches = 200;
+    static constexpr int kMaxRegionPixels = 1600 * 1200;
+    static constexpr int kMaskLineLength = 1600;  // the sensor mask covers the whole frame
+
+    // How long the run's stages took, milliseconds.
+    struct StageTimes {
+        double defects = 0.0;
+        double scratches = 0.0;
+        double overlay = 0.0;
+    };
+
+    explicit MeasureSingleFiberThread(QObject* parent = nullptr);
+    ~MeasureSingleFiberThread() override;
+
+    // Stores the run's inputs and starts the run. `image` is the gray region (width x height,
+    // at most kMaxRegionPixels) at (left, top) in the frame, with the fiber at (centerX,
+    // centerY) in it; `mask` (may be null) the sensor mask of the whole frame, 255 on pixels to
+    // ignore. fiberFlag, saveType, connectorId and language are kept for the result files.
+    // Returns false, starting nothing, when the region does not fit the buffers.
+    bool startMeasureSingleFiber(TaskInfoSetting task, unsigned char* image, unsigned char* mask,
+                                 int width, int height, int left, int top, int centerX, int centerY,
+                                 int fiberFlag, int saveType, QString connectorId, int language);
+
+    // The largest outer diameter of the task's zones (um), 0 without zones: what the region
+    // cut around the fiber must cover.
+    static int maxMeasureSizeSF(const TaskInfoSetting& task);
+
+    // The last run's results (read after the signal, before the next start).
+    bool passed() const { return pass_; }
+    int defectCount() const { return defectCount_; }
+    int scratchCount() const { return scratchCount_; }
+    const defect_info_struct* defects() const { return defectList_.data(); }
+    const ScratchRecord* scratches() const { return scratches_.data(); }
+    const short* scratchZones() const { return scratchZones_.data(); }
+    const QList<TaskZoneResult>& results() const { return results_; }
+    const TaskInfoSetting& task() const { return task_; }
+    const QImage& overlay() const { return overlay_; }
+    const QImage& measuredImage() const { return measured_; }
+    const StageTimes& stageTimes() const { return times_; }
+    // How often the zone map has been painted since construction.
+    int zoneMapPaints() const { return zoneMapPaints_; }
+
+signals:
+    void measureSingleFiberFinished(bool pass, QImage* overlay, QImage* image,
+                                    QList<TaskZoneResult>* results);
+
+protected:
+    void run() override;
+
+private:
+    // What the zone map was last painted for: it is reused only for the same zones, region
+    // size and center.
+    struct PaintedZones {
+        std::vector<TaskZoneSetting> zones;
+        int width = -1, height = -1, centerX = -1, centerY = -1;
+    };
+
+    void initSectionMapByTaskInfoSF(const TaskInfoSetting& task, int width, int height, int centerX,
+                                    int centerY);
+    bool zoneMapFits() const;
+    void clearForRun();
+    void copyMaskRegion();
+    void detectDefects();
+    void detectScratches();
+    bool defectSidePasses() const;
+    bool scratchSidePasses() const;
+    void collectResults();
+    void drawOverlay();
+
+    const double scale_;
+    QMutex runLock_;
+
+    // The run's inputs.
+    TaskInfoSetting task_{};
+    unsigned char* image_ = nullptr;
+    unsigned char* mask_ = nullptr;
+    int width_ = 0, height_ = 0, left_ = 0, top_ = 0, centerX_ = 0, centerY_ = 0;
+    int fiberFlag_ = 0, saveType_ = 0, language_ = 0;
+    QString connectorId_;
+
+    // Buffers, allocated once.
+    std::vector<unsigned char> zoneMap_;
+    std::vector<unsigned char> maskRegion_;
+    std::vector<unsigned char> defectMap_;
+    std::vector<unsigned char> defectMap2_;
+    std::vector<short> labelMap_;
+    std::vector<defect_info_struct> defectList_;
+    std::vector<ScratchRecord> scratches_;
+    std::vector<short> scratchZones_;
+    PaintedZones painted_;
+    int zoneMapPaints_ = 0;
+
+    // The results.
+    int defectCount_ = 0;
+    int scratchCount_ = 0;
+    bool pass_ = false;
+    QImage overlay_;
+    QImage measured_;
+    QList<TaskZoneResult> results_;
+    StageTimes times_;
+};
