@@ -30,10 +30,6 @@ void countDefect(TaskZoneResult& result, SizeClass sizeClass) {
     }
 }
 
-int16_t withinLimit(int count, int limit) {
-    return limit == -1 || count <= limit ? 1 : 0;
-}
-
 }  // namespace
 
 void DefecetFilter(defect_info_struct* list, int count, TaskInfoSetting& task, float scale) {
@@ -56,8 +52,8 @@ void DefecetFilter(defect_info_struct* list, int count, TaskInfoSetting& task, f
     for (int k = 0; k < zones; ++k) {
         const TaskZoneSetting& zone = task.sections[k];
         TaskZoneResult& result = task.zoneResults[k];
-        result.dNoBiggerResult = withinLimit(result.dNoBiggerNum, zone.dNoBiggerLimit);
-        result.dMidResult = withinLimit(result.dMidNum, zone.dMidLimit);
-        result.dBiggerResult = withinLimit(result.dBiggerNum, zone.dBiggerLimit);
+        result.dNoBiggerResult = verdictWithinLimit(result.dNoBiggerNum, zone.dNoBiggerLimit);
+        result.dMidResult = verdictWithinLimit(result.dMidNum, zone.dMidLimit);
+        result.dBiggerResult = verdictWithinLimit(result.dBiggerNum, zone.dBiggerLimit);
     }
 }

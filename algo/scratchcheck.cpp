@@ -51,15 +51,12 @@ int zoneOfScratch(const TaskInfoSetting& task, const ScratchRecord& s, int cx, i
     return -1;
 }
 
-int16_t withinLimit(int count, int limit) {
-    return limit == -1 || count <= limit ? 1 : 0;
-}
-
 void setScratchVerdicts(TaskInfoSetting& task) {
     for (int z = 0; z < std::min<int>(task.sectionNum, kMaxZones); ++z) {
         TaskZoneResult& result = task.zoneResults[z];
-        result.sNoBiggerResult = withinLimit(result.sNoBiggerNum, task.sections[z].sNoBiggerLimit);
-        result.sBiggerResult = withinLimit(result.sBiggerNum, task.sections[z].sBiggerLimit);
+        result.sNoBiggerResult =
+            verdictWithinLimit(result.sNoBiggerNum, task.sections[z].sNoBiggerLimit);
+        result.sBiggerResult = verdictWithinLimit(result.sBiggerNum, task.sections[z].sBiggerLimit);
     }
 }
 

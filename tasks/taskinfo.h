@@ -56,6 +56,12 @@ struct TaskInfoSetting {
     TaskZoneResult zoneResults[kMaxZones];  // parallel to sections, zeroed at every run
 };
 
+// The verdict on a count against its limit: 1 (pass) when the limit is -1 or the count does
+// not exceed it, else 0.
+constexpr int16_t verdictWithinLimit(int count, int limit) {
+    return limit == -1 || count <= limit ? 1 : 0;
+}
+
 // The short names that signal signatures use.
 using TaskInfo = TaskInfoSetting;
 using ZoneResult = TaskZoneResult;
