@@ -9,6 +9,8 @@ packages=(
     libgtest-dev
     libbenchmark-dev
     clang libclang-rt-14-dev
+    libquazip1-qt5-dev libxlsxwriter-dev
+    python3-openpyxl python3-pil
 )
 
 missing=()

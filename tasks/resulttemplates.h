@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringList>
+
+// The result workbook templates live under "/etc" so that a user can adapt them (a logo,
+// colours, column widths); the program carries the factory copies as resources
+// ":/templates/<name>".
+
+// The eight template file names (single-fiber and MT12, data and report, English and Chinese).
+const QStringList& resultTemplateNames();
+
+// Copies every template that is missing from "/etc" out of the resources, each in one step,
+// then runs "sync". Templates already there, edited or not, are left alone. False when one
+// could not be written.
+bool installTemplatesIfMissing();

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <ostream>
+
+// The independent reader of the tests: openpyxl, through the small scripts beside the tests,
+// run with Debian's own python (the python on PATH may lack Debian's modules).
+
+// What dump_workbook.py reports of a workbook; an empty object (and a test failure) when
+// openpyxl cannot read it.
+QJsonObject readWithOpenpyxl(const QString& path);
+
+// The value openpyxl reads in a cell ("A5"), as text; "" for an empty cell.
+QString cellText(const QJsonObject& workbook, const QString& reference);
+
+// Which zip parts differ between two workbooks (compare_parts.py): "changed", "removed", "added".
+QJsonObject compareParts(const QString& before, const QString& after);
+
+// Edits a template as a user would (edit_template.py): "User note" in noteCell, a fill on A1,
+// column B 33 wide, and the logo picture at A4 when one is given.
+bool editLikeAUser(const QString& path, const QString& noteCell, const QString& logo = QString());
+
+// Runs a script; its standard output, or false with a test failure when it fails.
+bool runPythonScript(const QString& script, const QStringList& arguments, QByteArray& output);
+
+// Lets GoogleTest print texts in failure messages.
+void PrintTo(const QString& text, std::ostream* stream);
