@@ -40,9 +40,10 @@ void BM_WholeInspection(benchmark::State& state) {
     MeasureSingleFiberThread measure;
     double search = 0, defects = 0, scratches = 0, overlay = 0, total = 0;
     for (auto _ : state) {
-        QString error;
+        QString error, saveProblem;
         const QJsonObject ms =
-            inspect(input, task, nullptr, {}, {capture, measure}, error)["ms"].toObject();
+            inspect(input, task, nullptr, {}, {capture, measure}, error, saveProblem)["ms"]
+                .toObject();
         search += ms["search"].toDouble();
         defects += ms["defects"].toDouble();
         scratches += ms["scratches"].toDouble();
@@ -75,9 +76,9 @@ void BM_Batch(benchmark::State& state) {
                 CaptureThread capture;
                 MeasureSingleFiberThread measure;
                 for (int i = next++; i < int(frames.size()); i = next++) {
-                    QString error;
-                    benchmark::DoNotOptimize(
-                        inspect(frames[size_t(i)], task, nullptr, {}, {capture, measure}, error));
+                    QString error, saveProblem;
+                    benchmark::DoNotOptimize(inspect(frames[size_t(i)], task, nullptr, {},
+                                                     {capture, measure}, error, saveProblem));
                 }
             });
         }

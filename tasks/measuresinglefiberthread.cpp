@@ -7,6 +7,7 @@
 
 #include "finddefect.h"
 #include "overlaysf.h"
+#include "resultfiles.h"
 #include "scratchcheck.h"
 #include "sectionmap.h"
 
@@ -82,6 +83,13 @@ bool MeasureSingleFiberThread::startMeasureSingleFiber(TaskInfoSetting task, uns
     language_ = language;
     start(QThread::InheritPriority);
     return true;
+}
+
+void MeasureSingleFiberThread::setReportTexts(const QString& describer, const QString& manufacturer,
+                                              const QString& operatorName) {
+    describer_ = describer;
+    manufacturer_ = manufacturer;
+    operatorName_ = operatorName;
 }
 
 int MeasureSingleFiberThread::maxMeasureSizeSF(const TaskInfoSetting& task) {
@@ -188,6 +196,32 @@ void MeasureSingleFiberThread::drawOverlay() {
                        measured_, overlay_);
 }
 
+void MeasureSingleFiberThread::saveResultFiles() {
+    SingleFiberResultRecord record;
+    record.saveMode = saveType_;
+    record.connectorId = connectorId_;
+    record.language = language_;
+    record.passed = pass_;
+    record.task = task_;
+    record.measured = measured_;
+    record.overlay = overlay_;
+    record.time = QDateTime::currentDateTime();
+    record.describer = describer_;
+    record.manufacturer = manufacturer_;
+    record.operatorName = operatorName_;
+    switch (saveMeasureResultSF(record)) {
+        case SaveOutcome::NoSdCard:
+            emit noSDCard();
+            break;
+        case SaveOutcome::InvalidFileName:
+            emit invalidFileName();
+            break;
+        case SaveOutcome::NotSaved:
+        case SaveOutcome::Saved:
+            break;
+    }
+}
+
 void MeasureSingleFiberThread::run() {
     QMutexLocker lock(&runLock_);
     if (!zoneMapFits()) {
@@ -209,5 +243,6 @@ void MeasureSingleFiberThread::run() {
     timer.restart();
     drawOverlay();
     times_.overlay = elapsedMs(timer);
+    saveResultFiles();
     emit measureSingleFiberFinished(pass_, &overlay_, &measured_, &results_);
 }

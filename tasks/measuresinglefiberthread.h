@@ -44,6 +44,10 @@ public:
                                  int width, int height, int left, int top, int centerX, int centerY,
                                  int fiberFlag, int saveType, QString connectorId, int language);
 
+    // The texts the result files carry (the settings DESCRIBER, MANUFACTURER, OPERATOR).
+    void setReportTexts(const QString& describer, const QString& manufacturer,
+                        const QString& operatorName);
+
     // The largest outer diameter of the task's zones (um), 0 without zones: what the region
     // cut around the fiber must cover.
     static int maxMeasureSizeSF(const TaskInfoSetting& task);
@@ -66,6 +70,10 @@ public:
 signals:
     void measureSingleFiberFinished(bool pass, QImage* overlay, QImage* image,
                                     QList<TaskZoneResult>* results);
+    // The run's save mode asked for files, but there is no SD card / the connector id cannot
+    // name a file: nothing was written.
+    void noSDCard();
+    void invalidFileName();
 
 protected:
     void run() override;
@@ -89,6 +97,7 @@ private:
     bool scratchSidePasses() const;
     void collectResults();
     void drawOverlay();
+    void saveResultFiles();
 
     const double scale_;
     QMutex runLock_;
@@ -100,6 +109,7 @@ private:
     int width_ = 0, height_ = 0, left_ = 0, top_ = 0, centerX_ = 0, centerY_ = 0;
     int fiberFlag_ = 0, saveType_ = 0, language_ = 0;
     QString connectorId_;
+    QString describer_, manufacturer_, operatorName_;
 
     // Buffers, allocated once.
     std::vector<unsigned char> zoneMap_;

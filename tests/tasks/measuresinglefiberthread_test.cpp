@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <QColor>
+#include <QDir>
 #include <vector>
 
 #include "endfacerenderer.h"
 #include "factorytasks.h"
+#include "temproot.h"
 
 namespace {
 
@@ -242,4 +244,33 @@ TEST(MeasureSingleFiber, TheOverlayColoursScratchesByTheirZonesVerdicts) {
         const QPoint middle(int((s.x1 + s.x2) / 2), int((s.y1 + s.y2) / 2));
         EXPECT_EQ(thread.overlay().pixelColor(middle), expected) << width;
     }
+}
+
+TEST(MeasureSingleFiber, SavingProblemsAreSignalledAndTheRunStillReports) {
+    TempRoot root;
+    RenderedRegion region;
+    region.render();
+    MeasureSingleFiberThread thread;
+    int noCard = 0, badName = 0, finished = 0;
+    QObject::connect(&thread, &MeasureSingleFiberThread::noSDCard, [&] { ++noCard; });
+    QObject::connect(&thread, &MeasureSingleFiberThread::invalidFileName, [&] { ++badName; });
+    QObject::connect(&thread, &MeasureSingleFiberThread::measureSingleFiberFinished,
+                     [&] { ++finished; });
+    auto run = [&](int saveType, const QString& id) {
+        ASSERT_TRUE(thread.startMeasureSingleFiber(
+            firstTask(), region.gray.data(), nullptr, kRegion, kRegion, region.left, region.top,
+            region.centerX(), region.centerY(), 1, saveType, id, 0));
+        thread.wait();
+    };
+    run(1, "SN1");
+    EXPECT_EQ(noCard, 1);
+    ASSERT_TRUE(QDir().mkpath(root.file("mnt/sdcard/sd")));
+    run(3, "bad:name");
+    EXPECT_EQ(badName, 1);
+    run(0, "bad:name");
+    EXPECT_EQ(badName, 1) << "save mode 0 saves nothing and checks nothing";
+    run(3, "SN1");
+    EXPECT_EQ(noCard + badName, 2);
+    EXPECT_EQ(finished, 4);
+    EXPECT_FALSE(QDir(root.file("mnt/sdcard/sd/Measure_Result")).isEmpty());
 }

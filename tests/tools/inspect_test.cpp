@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -224,4 +225,32 @@ TEST(InspectTool, WithoutFramesItExplainsItselfAndFails) {
     const ToolRun run = inspect({});
     EXPECT_EQ(run.status, 2);
     EXPECT_TRUE(run.errors.contains("no frame given"));
+}
+
+TEST(InspectTool, ResultFilesAreSavedOnTheRootsSdCard) {
+    TempRoot root;
+    writeRawFrame(root.file("a.raw"), sim::EndFaceScene());
+    ASSERT_TRUE(QDir().mkpath(root.file("mnt/sdcard/sd")));
+    const ToolRun run = inspect({"--save-type", "3", "--id", "PC-0042", root.file("a.raw")});
+    ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+    const QString day =
+        root.file("mnt/sdcard/sd/Measure_Result/" + QDate::currentDate().toString("yyyyMMdd"));
+    EXPECT_TRUE(QFile::exists(day + "/MeasureData_EN.xlsx"));
+    EXPECT_TRUE(QFile::exists(day + "/Report/PC-0042_EN.xlsx"));
+}
+
+TEST(InspectTool, ResultFilesThatCannotBeSavedAreReported) {
+    TempRoot root;
+    writeRawFrame(root.file("a.raw"), sim::EndFaceScene());
+    const ToolRun noCard = inspect({"--save-type", "1", "--id", "X1", root.file("a.raw")});
+    EXPECT_EQ(noCard.status, 2);
+    EXPECT_EQ(noCard.lines.size(), 1) << "the result is still printed";
+    EXPECT_TRUE(noCard.errors.contains("not saved: no SD card")) << noCard.errors.toStdString();
+
+    ASSERT_TRUE(QDir().mkpath(root.file("mnt/sdcard/sd")));
+    const ToolRun badId = inspect({"--save-type", "2", "--id", "a/b", root.file("a.raw")});
+    EXPECT_EQ(badId.status, 2);
+    EXPECT_TRUE(badId.errors.contains("not saved: \"a/b\" cannot name a file"))
+        << badId.errors.toStdString();
+    EXPECT_FALSE(QDir(root.file("mnt/sdcard/sd/Measure_Result")).exists());
 }

@@ -9,6 +9,7 @@
 #include "frameloader.h"
 #include "libcapture.h"
 #include "measuresinglefiberthread.h"
+#include "platformroot.h"
 #include "taskjson.h"
 
 namespace {
@@ -89,18 +90,39 @@ void addMeasurement(QJsonObject& result, const MeasureSingleFiberThread& run,
     result.insert("scratches", scratchesJson(run));
 }
 
-void writeOverlays(const OverlayOutput& output, const QString& input,
+void writeOverlays(const QString& folder, const QString& input,
                    const MeasureSingleFiberThread& run) {
-    const QString base = QDir(output.folder).filePath(QFileInfo(input).completeBaseName());
+    const QString base = QDir(folder).filePath(QFileInfo(input).completeBaseName());
     run.overlay().save(base + "-overlay.png");
     run.measuredImage().save(base + "-measured.png");
+}
+
+// Runs the measurement and waits for it, noting why the result files were not written if they
+// were asked for and could not be.
+bool measure(MeasureSingleFiberThread& run, const TaskInfoSetting& task, const Region& region,
+             const unsigned char* mask, const InspectionOutputs& outputs, QString& saveProblem) {
+    const QMetaObject::Connection noCard = QObject::connect(
+        &run, &MeasureSingleFiberThread::noSDCard,
+        [&] { saveProblem = "not saved: no SD card at " + platformPath("/mnt/sdcard/sd"); });
+    const QMetaObject::Connection badName =
+        QObject::connect(&run, &MeasureSingleFiberThread::invalidFileName, [&] {
+            saveProblem = QString("not saved: \"%1\" cannot name a file").arg(outputs.connectorId);
+        });
+    const bool started = run.startMeasureSingleFiber(
+        task, const_cast<unsigned char*>(region.pixels), const_cast<unsigned char*>(mask),
+        region.width, region.height, region.left, region.top, region.centerX, region.centerY, 1,
+        outputs.saveType, outputs.connectorId, outputs.language);
+    run.wait();
+    QObject::disconnect(noCard);
+    QObject::disconnect(badName);
+    return started;
 }
 
 }  // namespace
 
 QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
-                    const unsigned char* mask, const OverlayOutput& overlays,
-                    InspectionWorkers workers, QString& error) {
+                    const unsigned char* mask, const InspectionOutputs& outputs,
+                    InspectionWorkers workers, QString& error, QString& saveProblem) {
     QElapsedTimer total, stage;
     total.start();
     QJsonObject result{{"image", input.path}};
@@ -139,20 +161,16 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
     }
 
     MeasureSingleFiberThread& run = workers.measure;
-    if (!run.startMeasureSingleFiber(task, const_cast<unsigned char*>(region.pixels),
-                                     const_cast<unsigned char*>(mask), region.width, region.height,
-                                     region.left, region.top, region.centerX, region.centerY, 1, 0,
-                                     QString(), 0)) {
+    if (!measure(run, task, region, mask, outputs, saveProblem)) {
         error = QString("region of %1 x %2 pixels is larger than a frame")
                     .arg(region.width)
                     .arg(region.height);
         return QJsonObject();
     }
-    run.wait();
     addMeasurement(result, run, region);
     stage.start();
-    if (!overlays.folder.isEmpty()) {
-        writeOverlays(overlays, input.path, run);
+    if (!outputs.overlayFolder.isEmpty()) {
+        writeOverlays(outputs.overlayFolder, input.path, run);
     }
     const MeasureSingleFiberThread::StageTimes& times = run.stageTimes();
     result.insert("ms", QJsonObject{{"search", searchMs},

@@ -20,9 +20,12 @@ struct InspectionInput {
     int centerX = 0, centerY = 0;  // with a given center
 };
 
-// Where the overlay pictures go, if anywhere.
-struct OverlayOutput {
-    QString folder;  // empty: none written
+// What an inspection writes besides its result line.
+struct InspectionOutputs {
+    QString overlayFolder;  // the overlay pictures go here; empty: none written
+    int saveType = 0;       // the result files on the SD card, as the instrument's save modes
+    QString connectorId;
+    int language = 0;
 };
 
 // The tools' own workers for one job: a capture thread for the search, a measurement thread.
@@ -34,8 +37,9 @@ struct InspectionWorkers {
 // Inspects one input as the instrument does after a trigger: the fiber search with the
 // 960 x 960 window and refinement, the window cut as the capture cuts it, then the measurement
 // run with the task and the sensor mask (may be null; not used for given regions, which have
-// no place on the sensor). Returns the result as one JSON object; `error` is set instead when
-// the region does not fit the measurement's buffers.
+// no place on the sensor), which also saves the result files the save type asks for. Returns
+// the result as one JSON object; `error` is set instead when the region does not fit the
+// measurement's buffers, and `saveProblem` when the result files could not be written.
 QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
-                    const unsigned char* mask, const OverlayOutput& overlays,
-                    InspectionWorkers workers, QString& error);
+                    const unsigned char* mask, const InspectionOutputs& outputs,
+                    InspectionWorkers workers, QString& error, QString& saveProblem);

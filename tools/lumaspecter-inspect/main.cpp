@@ -1,6 +1,7 @@
 // lumaspecter-inspect: inspects frames (or measurement regions) from files as the instrument
 // does after a trigger, and prints one line per input, in input order. Inputs that cannot be
-// read are reported on stderr; the others are still inspected.
+// read, and result files that cannot be saved, are reported on stderr; the others are still
+// inspected.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -20,6 +21,7 @@
 #include "inspection.h"
 #include "measuresinglefiberthread.h"
 #include "platformroot.h"
+#include "settingsstore.h"
 #include "taskchoice.h"
 #include "taskjson.h"
 
@@ -32,7 +34,8 @@ struct Options {
     bool json = false;
     bool givenCenter = false;
     int centerX = 0, centerY = 0;
-    OverlayOutput overlays;
+    InspectionOutputs outputs;
+    QString describer, manufacturer, operatorName;
     int jobs = 1;
     TaskInfoSetting task{};
     std::vector<unsigned char> mask;
@@ -42,6 +45,7 @@ struct Outcome {
     bool done = false;
     QJsonObject result;
     QString error;
+    QString saveProblem;
 };
 
 int usageError(const QString& message) {
@@ -94,7 +98,7 @@ Outcome inspectOne(const QString& path, const Options& options, InspectionWorker
     if (readInput(path, options, input, outcome.error)) {
         outcome.result =
             inspect(input, options.task, options.mask.empty() ? nullptr : options.mask.data(),
-                    options.overlays, workers, outcome.error);
+                    options.outputs, workers, outcome.error, outcome.saveProblem);
     }
     return outcome;
 }
@@ -124,6 +128,7 @@ int inspectAll(const Options& options) {
     auto worker = [&] {
         CaptureThread capture;
         MeasureSingleFiberThread measure;
+        measure.setReportTexts(options.describer, options.manufacturer, options.operatorName);
         for (;;) {
             int index;
             {
@@ -160,6 +165,11 @@ int inspectAll(const Options& options) {
                                     : textLine(outcome.result);
         std::printf("%s\n", line.constData());
         std::fflush(stdout);
+        if (!outcome.saveProblem.isEmpty()) {
+            std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(options.inputs[i]),
+                         qPrintable(outcome.saveProblem));
+            status = 2;
+        }
     }
     for (std::thread& thread : workers) {
         thread.join();
@@ -183,6 +193,11 @@ int main(int argc, char* argv[]) {
         {"center", "The inputs are measurement regions with the fiber at X,Y.", "X,Y"},
         {"overlay", "Write the overlay and the measured image as PNG files here.", "DIR"},
         {"jobs", "Inputs inspected at once (default: every core).", "N"},
+        {"save-type",
+         "Result files on the SD card under the root: 0 none (default), 1 data, "
+         "2 report, 3 both, 4 both on pass, 5 both on fail.",
+         "N"},
+        {"id", "Connector id naming the result files (default: the setting SN_TEXT).", "ID"},
     });
     parser.addPositionalArgument("FRAME", "Frames or regions to inspect.", "FRAME...");
     parser.process(app);
@@ -211,11 +226,25 @@ int main(int argc, char* argv[]) {
         }
     }
     if (parser.isSet("overlay")) {
-        options.overlays.folder = parser.value("overlay");
-        if (!QDir().mkpath(options.overlays.folder)) {
-            return usageError(options.overlays.folder + ": cannot create the overlay folder");
+        options.outputs.overlayFolder = parser.value("overlay");
+        if (!QDir().mkpath(options.outputs.overlayFolder)) {
+            return usageError(options.outputs.overlayFolder + ": cannot create the overlay folder");
         }
     }
+    if (parser.isSet("save-type")) {
+        bool ok = false;
+        options.outputs.saveType = parser.value("save-type").toInt(&ok);
+        if (!ok || options.outputs.saveType < 0 || options.outputs.saveType > 5) {
+            return usageError("--save-type takes 0 to 5");
+        }
+    }
+    const SettingsStore settings;
+    options.outputs.connectorId =
+        parser.isSet("id") ? parser.value("id") : settings.textValue(SettingsStore::kSnText);
+    options.outputs.language = settings.intValue(SettingsStore::kLanguage);
+    options.describer = settings.textValue(SettingsStore::kDescriber);
+    options.manufacturer = settings.textValue(SettingsStore::kManufacturer);
+    options.operatorName = settings.textValue(SettingsStore::kOperator);
     QString error;
     if (!chooseTask(availableTasks(), parser.value("task"), options.task, error) ||
         !loadMask(options.mask, error)) {
