@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "findlumaspecsegment.h"
+#include "segmentsearch.h"
 #include "mergesegment.h"
 #include "scratchannuli.h"
 #include "scratchgeometry.h"

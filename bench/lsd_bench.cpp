@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "endfacerenderer.h"
-#include "findlumaspecsegment.h"
+#include "segmentsearch.h"
 
 namespace {
 

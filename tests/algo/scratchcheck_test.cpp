@@ -6,7 +6,7 @@
 
 #include "endfacerenderer.h"
 #include "factorytasks.h"
-#include "findlumaspecsegment.h"
+#include "segmentsearch.h"
 
 namespace {
 

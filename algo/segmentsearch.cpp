@@ -1,4 +1,4 @@
-#include "findlumaspecsegment.h"
+#include "segmentsearch.h"
 
 #include <cstdio>
 #include <cstdlib>
