@@ -13,6 +13,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <opencv2/core/utility.hpp>
 #include <thread>
 #include <vector>
 
@@ -250,5 +251,7 @@ int main(int argc, char* argv[]) {
         !loadMask(options.mask, error)) {
         return usageError(error);
     }
+    // The jobs are the parallelism: OpenCV's own threads would only compete with them.
+    cv::setNumThreads(1);
     return inspectAll(options);
 }
