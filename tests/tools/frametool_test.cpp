@@ -254,3 +254,27 @@ TEST(InspectTool, ResultFilesThatCannotBeSavedAreReported) {
         << badId.errors.toStdString();
     EXPECT_FALSE(QDir(root.file("mnt/sdcard/sd/Measure_Result")).exists());
 }
+
+TEST(InspectTool, RealEndFacesAreFoundAndInspected) {
+    const QString samples = realSamplesDir();
+    if (samples.isEmpty()) {
+        GTEST_SKIP() << "the real end-face pictures are not beside the project";
+    }
+    TempRoot root;
+    QStringList pictures;
+    for (const QString& name : QDir(samples).entryList({"*.png"}, QDir::Files, QDir::Name)) {
+        pictures << QDir(samples).filePath(name);
+    }
+    ASSERT_FALSE(pictures.isEmpty());
+    const ToolRun run = inspect(QStringList({"--json", "--task", "IEC2.0-PC-MM-SF"}) + pictures);
+    ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+    ASSERT_EQ(run.lines.size(), pictures.size());
+    for (const QByteArray& line : run.lines) {
+        const QJsonObject r = parse(line);
+        EXPECT_TRUE(r["found"].toBool()) << r["image"].toString().toStdString();
+        // The pictures hold their fiber near the middle of the frame.
+        EXPECT_NEAR(r["rawX"].toInt(), 780, 100) << r["image"].toString().toStdString();
+        EXPECT_NEAR(r["rawY"].toInt(), 560, 100) << r["image"].toString().toStdString();
+        EXPECT_EQ(r["zoneResults"].toArray().size(), 3);
+    }
+}
