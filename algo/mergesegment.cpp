@@ -30,22 +30,28 @@ Candidates candidatesFor(int sens) {
 // where 1, 2 and 5 do not; 7 and 9 loosen it twice as much as 6 and 8.
 void roundsFor(int sens, MergeRound& first, MergeRound& second) {
     switch (sens) {
-        case 1: case 2: case 5:
+        case 1:
+        case 2:
+        case 5:
             first = {0.1, 10, 100}, second = {0.1, 10, 100};
             return;
-        case 3: case 4:
+        case 3:
+        case 4:
             first = {0.1, 10, 100}, second = {0.2, 10, 100};
             return;
-        case 6: case 8:
+        case 6:
+        case 8:
             first = {0.12, 10, 100}, second = {0.15, 10, 120};
             return;
-        case 7: case 9:
+        case 7:
+        case 9:
             first = {0.12, 10, 100}, second = {0.3, 10, 120};
             return;
         case 10:
             first = {0.12, 6, 100}, second = {0.1, 6, 200};
             return;
-        case 17: case 19:
+        case 17:
+        case 19:
             first = {0.1, 10, 150}, second = {0.2, 10, 200};
             return;
         case 20:
@@ -60,14 +66,35 @@ void roundsFor(int sens, MergeRound& first, MergeRound& second) {
 // not monotonic.
 double minSpanFor(int sens) {
     switch (sens) {
-        case 1: case 3: case 16: case 17: return 50;
-        case 2: case 4: case 5: case 10: return 40;
-        case 6: case 7: return 30;
-        case 8: case 9: return 25;
-        case 11: case 13: return 70;
-        case 12: case 14: case 15: case 20: return 60;
-        case 18: case 19: return 45;
-        default: return 35;
+        case 1:
+        case 3:
+        case 16:
+        case 17:
+            return 50;
+        case 2:
+        case 4:
+        case 5:
+        case 10:
+            return 40;
+        case 6:
+        case 7:
+            return 30;
+        case 8:
+        case 9:
+            return 25;
+        case 11:
+        case 13:
+            return 70;
+        case 12:
+        case 14:
+        case 15:
+        case 20:
+            return 60;
+        case 18:
+        case 19:
+            return 45;
+        default:
+            return 35;
     }
 }
 

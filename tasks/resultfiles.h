@@ -26,7 +26,7 @@ enum class SaveOutcome {
 //   "MeasureData_EN.xlsx" (_CN) in it. Modes 1, 3, 4 and 5 append the row to that workbook;
 //   modes 2, 3, 4 and 5 write the report "Report/<id>_EN.xlsx" (_CN) from the report template,
 //   replacing an earlier report of the same id that day. Then "sync" runs.
-// Saves from several threads take turns. Every workbook is replaced in one step, so a crash or power cut during a save leaves the
-// day's data and any report as they were before it. Missing templates are first installed
-// from the program's resources.
+// Saves from several threads take turns. Every workbook is replaced in one step, so a crash or
+// power cut during a save leaves the day's data and any report as they were before it. Missing
+// templates are first installed from the program's resources.
 SaveOutcome saveMeasureResultSF(const SingleFiberResultRecord& record);
