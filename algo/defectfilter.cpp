@@ -33,7 +33,7 @@ void countDefect(TaskZoneResult& result, SizeClass sizeClass) {
 }  // namespace
 
 void DefecetFilter(defect_info_struct* list, int count, TaskInfoSetting& task, float scale) {
-    const int zones = task.sectionNum < kMaxZones ? task.sectionNum : kMaxZones;
+    const int zones = zonesInUse(task);
     for (int i = 0; i < count; ++i) {
         defect_info_struct& defect = list[i];
         if (defect.zone < 0 || defect.zone >= zones) {

@@ -19,7 +19,7 @@ struct Rings {
 // more than the defect map holds.
 bool ringsOfTask(const TaskInfoSetting& task, const int* bands, int bandCount, float scale,
                  Rings& rings) {
-    const int zones = std::min<int>(task.sectionNum, kMaxZones);
+    const int zones = zonesInUse(task);
     std::vector<int> ringList(2 * static_cast<size_t>(zones) * (bandCount + 1));
     int position = 0;
     for (int z = 0; z < zones; ++z) {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "segmentsearch.h"
 #include "mergesegment.h"
 #include "scratchannuli.h"
 #include "scratchgeometry.h"
+#include "segmentsearch.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ namespace {
 constexpr int kMaxScannedZones = 23;
 
 int zonesToScan(const TaskInfoSetting& task) {
-    return std::min({int(task.sectionNum), kMaxScannedZones, kMaxZones});
+    return std::min(zonesInUse(task), kMaxScannedZones);
 }
 
 double diameterToRadiusPx(double diameterUm, float pixelSize) {
@@ -52,7 +52,7 @@ int zoneOfScratch(const TaskInfoSetting& task, const ScratchRecord& s, int cx, i
 }
 
 void setScratchVerdicts(TaskInfoSetting& task) {
-    for (int z = 0; z < std::min<int>(task.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task); ++z) {
         TaskZoneResult& result = task.zoneResults[z];
         result.sNoBiggerResult =
             verdictWithinLimit(result.sNoBiggerNum, task.sections[z].sNoBiggerLimit);

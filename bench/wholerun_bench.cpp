@@ -39,11 +39,12 @@ void BM_WholeInspection(benchmark::State& state) {
     const TaskInfoSetting task = factoryTasks().value(0);
     CaptureThread capture;
     MeasureSingleFiberThread measure;
+    std::vector<unsigned char> window;
     double search = 0, defects = 0, scratches = 0, overlay = 0, total = 0;
     for (auto _ : state) {
         QString error, saveProblem;
         const QJsonObject ms =
-            inspect(input, task, nullptr, {}, {capture, measure}, error, saveProblem)["ms"]
+            inspect(input, task, nullptr, {}, {capture, measure, window}, error, saveProblem)["ms"]
                 .toObject();
         search += ms["search"].toDouble();
         defects += ms["defects"].toDouble();
@@ -78,10 +79,12 @@ void BM_Batch(benchmark::State& state) {
             workers.emplace_back([&] {
                 CaptureThread capture;
                 MeasureSingleFiberThread measure;
+                std::vector<unsigned char> window;
                 for (int i = next++; i < int(frames.size()); i = next++) {
                     QString error, saveProblem;
                     benchmark::DoNotOptimize(inspect(frames[size_t(i)], task, nullptr, {},
-                                                     {capture, measure}, error, saveProblem));
+                                                     {capture, measure, window}, error,
+                                                     saveProblem));
                 }
             });
         }

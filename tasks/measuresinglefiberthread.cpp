@@ -27,8 +27,8 @@ double elapsedMs(const QElapsedTimer& timer) {
 }
 
 bool sameZones(const std::vector<TaskZoneSetting>& painted, const TaskInfoSetting& task) {
-    const int zones = std::min<int>(task.sectionNum, kMaxZones);
-    if (int(painted.size()) != std::max(zones, 0)) {
+    const int zones = zonesInUse(task);
+    if (int(painted.size()) != zones) {
         return false;
     }
     for (int z = 0; z < zones; ++z) {
@@ -94,7 +94,7 @@ void MeasureSingleFiberThread::setReportTexts(const QString& describer, const QS
 
 int MeasureSingleFiberThread::maxMeasureSizeSF(const TaskInfoSetting& task) {
     int largest = 0;
-    for (int z = 0; z < std::min<int>(task.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task); ++z) {
         largest = std::max<int>(largest, task.sections[z].diameterMax);
     }
     return largest;
@@ -103,7 +103,7 @@ int MeasureSingleFiberThread::maxMeasureSizeSF(const TaskInfoSetting& task) {
 void MeasureSingleFiberThread::initSectionMapByTaskInfoSF(const TaskInfoSetting& task, int width,
                                                           int height, int centerX, int centerY) {
     ::initSectionMapByTaskInfoSF(task, zoneMap_.data(), width, height, centerX, centerY, scale_);
-    const int zones = std::clamp<int>(task.sectionNum, 0, kMaxZones);
+    const int zones = zonesInUse(task);
     painted_ = {std::vector<TaskZoneSetting>(task.sections, task.sections + zones), width, height,
                 centerX, centerY};
     ++zoneMapPaints_;
@@ -145,7 +145,7 @@ void MeasureSingleFiberThread::detectDefects() {
 void MeasureSingleFiberThread::detectScratches() {
     // The search reaches out to the largest zone that checks scratches, the cladding at least.
     double outerDiameter = kCladdingDiameter;
-    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task_); ++z) {
         if (task_.sections[z].sCheck != 0 && task_.sections[z].diameterMax > outerDiameter) {
             outerDiameter = task_.sections[z].diameterMax;
         }
@@ -160,7 +160,7 @@ bool MeasureSingleFiberThread::defectSidePasses() const {
     if (defectCount_ == -1) {
         return false;
     }
-    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task_); ++z) {
         const TaskZoneResult& r = task_.zoneResults[z];
         if (r.dNoBiggerResult == 0 || r.dMidResult == 0 || r.dBiggerResult == 0) {
             return false;
@@ -173,7 +173,7 @@ bool MeasureSingleFiberThread::scratchSidePasses() const {
     if (scratchCount_ == -1) {
         return false;
     }
-    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task_); ++z) {
         const TaskZoneResult& r = task_.zoneResults[z];
         if (r.sNoBiggerResult == 0 || r.sBiggerResult == 0) {
             return false;
@@ -183,7 +183,7 @@ bool MeasureSingleFiberThread::scratchSidePasses() const {
 }
 
 void MeasureSingleFiberThread::collectResults() {
-    for (int z = 0; z < std::min<int>(task_.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task_); ++z) {
         results_.append(task_.zoneResults[z]);
     }
 }

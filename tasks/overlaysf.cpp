@@ -13,7 +13,7 @@ QPen roundPen(const QColor& color) {
 
 void drawZones(QPainter& painter, const TaskInfoSetting& task, int cx, int cy, double scale) {
     painter.setPen(roundPen(Qt::blue));
-    for (int z = 0; z < std::min<int>(task.sectionNum, kMaxZones); ++z) {
+    for (int z = 0; z < zonesInUse(task); ++z) {
         for (int diameter : {task.sections[z].diameterMin, task.sections[z].diameterMax}) {
             const double r = (diameter / scale) / 2;
             painter.drawEllipse(QRectF(cx - r, cy - r, 2 * r, 2 * r));

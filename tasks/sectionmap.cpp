@@ -19,7 +19,7 @@ double squared(double value) {
 void initSectionMapByTaskInfoSF(const TaskInfoSetting& task, unsigned char* zoneMap, int width,
                                 int height, int centerX, int centerY, double scale) {
     std::memset(zoneMap, 0, static_cast<size_t>(width) * height);
-    const int zones = std::clamp<int>(task.sectionNum, 0, kMaxZones);
+    const int zones = zonesInUse(task);
     ZoneRing rings[kMaxZones];
     for (int i = 0; i < zones; ++i) {
         rings[i] = {squared(zoneRadiusPx(task.sections[i].diameterMin, scale)),

@@ -56,6 +56,11 @@ struct TaskInfoSetting {
     TaskZoneResult zoneResults[kMaxZones];  // parallel to sections, zeroed at every run
 };
 
+// The zones of a task that are in use: its zone count, kept within the record's capacity.
+constexpr int zonesInUse(const TaskInfoSetting& task) {
+    return task.sectionNum < 0 ? 0 : task.sectionNum > kMaxZones ? kMaxZones : task.sectionNum;
+}
+
 // The verdict on a count against its limit: 1 (pass) when the limit is -1 or the count does
 // not exceed it, else 0.
 constexpr int16_t verdictWithinLimit(int count, int limit) {

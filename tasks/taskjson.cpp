@@ -86,7 +86,7 @@ QString taskText(const char (&field)[kTaskTextCapacity]) {
 
 QJsonObject taskToJson(const TaskInfoSetting& task) {
     QJsonArray sections;
-    for (int i = 0; i < std::min<int>(task.sectionNum, kMaxZones); ++i) {
+    for (int i = 0; i < zonesInUse(task); ++i) {
         sections.append(zoneToJson(task.sections[i]));
     }
     return QJsonObject{{"taskId", taskText(task.taskId)},

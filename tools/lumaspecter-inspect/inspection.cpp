@@ -126,7 +126,6 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
     QElapsedTimer total, stage;
     total.start();
     QJsonObject result{{"image", input.path}};
-    std::vector<unsigned char> window;
     Region region{input.region.data(), input.regionWidth, input.regionHeight, 0, 0,
                   input.centerX,       input.centerY};
     double searchMs = 0.0;
@@ -146,6 +145,7 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
             return result;
         }
         // The window as the capture cuts it, with the fiber's place in it.
+        std::vector<unsigned char>& window = workers.window;
         window.resize(size_t(kWindow) * kWindow);
         convert_y10bit_to_y8bit(input.frame.data(), window.data(), kRawFrameWidth, kRawFrameHeight,
                                 x - kWindow / 2, y - kWindow / 2, kWindow, kWindow);

@@ -28,10 +28,12 @@ struct InspectionOutputs {
     int language = 0;
 };
 
-// The tools' own workers for one job: a capture thread for the search, a measurement thread.
+// The tools' own workers for one job: a capture thread for the search, a measurement thread,
+// and the buffer the measurement window is cut into, reused from input to input.
 struct InspectionWorkers {
     CaptureThread& capture;
     MeasureSingleFiberThread& measure;
+    std::vector<unsigned char>& window;
 };
 
 // Inspects one input as the instrument does after a trigger: the fiber search with the

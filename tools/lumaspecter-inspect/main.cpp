@@ -129,6 +129,7 @@ int inspectAll(const Options& options) {
     auto worker = [&] {
         CaptureThread capture;
         MeasureSingleFiberThread measure;
+        std::vector<unsigned char> window;
         measure.setReportTexts(options.describer, options.manufacturer, options.operatorName);
         for (;;) {
             int index;
@@ -139,7 +140,8 @@ int inspectAll(const Options& options) {
                 }
                 index = next++;
             }
-            Outcome outcome = inspectOne(options.inputs[index], options, {capture, measure});
+            Outcome outcome =
+                inspectOne(options.inputs[index], options, {capture, measure, window});
             std::lock_guard<std::mutex> lock(mutex);
             outcomes[size_t(index)] = std::move(outcome);
             outcomes[size_t(index)].done = true;
