@@ -244,6 +244,28 @@ TEST(LineSegmentDetection, AScratchGivesItsTwoEdgesWithItsEndsAndWidth) {
     EXPECT_LT(std::fabs(offsets[0] + offsets[1]), 0.4) << "symmetric about the middle";
 }
 
+TEST(LineSegmentDetection, AnEdgeIsAsMeaningfulAsItsPixelCountSays) {
+    // Every pixel of a clean edge's rectangle is aligned, so -log10(NFA) = n log10(1 / p) -
+    // log10(NT) with p = 1/8, n the rectangle's pixels (length x width at the sub-sampled
+    // scale, to within the pixels its outline cuts) and NT = 11 (X Y)^(5/2).
+    const int X = 300, Y = 300;
+    const int sx = int(std::ceil(X * 0.6)), sy = int(std::ceil(Y * 0.6));
+    const double logNT = 2.5 * std::log10(double(sx) * sy) + std::log10(11.0);
+    for (int deg = 0; deg < 180; deg += 20) {
+        const double a = deg * M_PI / 180.0, c = std::cos(a), s = std::sin(a);
+        Image im(X, Y, 150.0);
+        drawScratch(im, 150.0 - 100.0 * c, 150.0 - 100.0 * s, 150.0 + 100.0 * c, 150.0 + 100.0 * s,
+                    12.0, 50.0, 1.0);
+        const std::vector<Segment> found = detect(im);
+        ASSERT_EQ(found.size(), 2u) << deg << " degrees";
+        for (const Segment& e : found) {
+            const double n = (e.length() * 0.6) * (e.width * 0.6);
+            EXPECT_NEAR(e.logNfa, n * std::log10(8.0) - logNT, 0.15 * e.logNfa)
+                << deg << " degrees";
+        }
+    }
+}
+
 TEST(LineSegmentDetection, WithoutSubSamplingEndpointsAreStillInPixelMiddles) {
     // A vertical edge between columns 40 and 41 lies at x = 40.5.
     Image im(100, 100, 50.0);
