@@ -3,6 +3,7 @@
 // mode 1; the 8-bit frame converted to doubles included), against OpenCV's implementation of
 // the same method with the same parameters. Compare the medians:
 //   bench_lsd --benchmark_repetitions=9 --benchmark_report_aggregates_only=true
+// Beside them, the whole scratch search of the same region under the first built-in task.
 
 #include <benchmark/benchmark.h>
 
@@ -12,6 +13,8 @@
 #include <vector>
 
 #include "endfacerenderer.h"
+#include "factorytasks.h"
+#include "scratchcheck.h"
 #include "segmentsearch.h"
 
 namespace {
@@ -73,5 +76,24 @@ void BM_OpenCvLineSegmentDetector(benchmark::State& state) {
     state.counters["segments"] = double(lines.size());
 }
 BENCHMARK(BM_OpenCvLineSegmentDetector)->Unit(benchmark::kMillisecond);
+
+// Segments, merging, extension to the inspection circle and grading, as the measurement run
+// calls it (the cladding edge excluded, no defect boxes).
+void BM_FindSectionScratch(benchmark::State& state) {
+    const Region& r = region();
+    const TaskInfoSetting firstTask = factoryTasks().value(0);
+    const double claddingEdge[] = {110.0, 135.0};
+    std::vector<ScratchRecord> scratches(200);
+    std::vector<short> zones(200);
+    int count = 0;
+    for (auto _ : state) {
+        TaskInfoSetting task = firstTask;
+        FindSectionScratch(r.gray.data(), kRegion, kRegion, scratches.data(), zones.data(), 200,
+                           count, task, 0.5122950673103333f, kRegion / 2, kRegion / 2, 125.0, 125.0,
+                           claddingEdge, 1, nullptr, 0);
+    }
+    state.counters["scratches"] = count;
+}
+BENCHMARK(BM_FindSectionScratch)->Unit(benchmark::kMillisecond);
 
 }  // namespace
