@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <string>
 #include <vector>
 
 #include "defectmap.h"
@@ -39,6 +41,18 @@ std::vector<unsigned char> mapOf(const TestPicture& picture, std::vector<int> ra
     return out;
 }
 
+// The probes (x, y, expected mark) the map gets wrong.
+std::string wrongMarks(const std::vector<unsigned char>& map,
+                       std::initializer_list<std::array<int, 3>> probes) {
+    std::string wrong;
+    for (const auto& p : probes) {
+        if (map[p[1] * 64 + p[0]] != p[2]) {
+            wrong += "(" + std::to_string(p[0]) + "," + std::to_string(p[1]) + ") ";
+        }
+    }
+    return wrong;
+}
+
 TestPicture checkerboard(int size) {
     TestPicture picture(size, size, 0);
     for (int y = 0; y < size; ++y) {
@@ -66,18 +80,19 @@ TEST(DefectRings, ExcludedBandsCutTheZones) {
 }
 
 TEST(DefectRings, ThresholdsFollowTheZonesPositionAndTheTaskKind) {
-    const TaskInfoSetting smSf = taskOf(0, 0, {3, 6, 6});
-    EXPECT_EQ(zoneDefectThreshold(smSf, 0), 11.0);
-    EXPECT_EQ(zoneDefectThreshold(smSf, 1), 16 - 7);
-    EXPECT_EQ(zoneDefectThreshold(smSf, 2), 40 - 8);
-    const TaskInfoSetting mmSf = taskOf(1, 0, {3, 5});
-    EXPECT_EQ(zoneDefectThreshold(mmSf, 0), 21.0);
-    EXPECT_EQ(zoneDefectThreshold(mmSf, 1), 16 - 6);
-    const TaskInfoSetting mmMf = taskOf(1, 1, {10, 6, 6});
-    EXPECT_EQ(zoneDefectThreshold(mmMf, 0), 24 - 10 + 5.0);
-    EXPECT_EQ(zoneDefectThreshold(mmMf, 1), 20 - 7);
-    EXPECT_EQ(zoneDefectThreshold(mmMf, 2), 40 - 7);
-    EXPECT_EQ(zoneDefectThreshold(taskOf(0, 1, {5}), 0), 14 - 5 + 5.0);
+    // Optical type, contactor type, the zones' sensitivities and their thresholds.
+    const std::vector<std::vector<int>> cases[] = {
+        {{0, 0}, {3, 6, 6}, {11, 16 - 7, 40 - 8}},
+        {{1, 0}, {3, 5}, {21, 16 - 6}},
+        {{1, 1}, {10, 6, 6}, {24 - 10 + 5, 20 - 7, 40 - 7}},
+        {{0, 1}, {5}, {14 - 5 + 5}},
+    };
+    for (const auto& c : cases) {
+        const TaskInfoSetting task = taskOf(c[0][0], c[0][1], c[1]);
+        for (size_t z = 0; z < c[1].size(); ++z) {
+            EXPECT_EQ(zoneDefectThreshold(task, int(z)), c[2][z]) << c[0][0] << c[0][1] << z;
+        }
+    }
 }
 
 TEST(DefectRings, DiametersBecomeTruncatedPixelRadii) {
@@ -90,55 +105,36 @@ TEST(DefectMap, OneDarkPixelMarksAPlusShapedGroup) {
     TestPicture picture(64, 64, 100);
     picture.pixels[30 * 64 + 30] = 80;
     const std::vector<unsigned char> map = mapOf(picture, {0, 50}, {9.0}, 32, 32);
-    std::vector<std::pair<int, int>> marked;
-    for (int y = 0; y < 64; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            if (map[y * 64 + x] == 255) {
-                marked.emplace_back(x, y);
-            }
-        }
+    std::vector<unsigned char> plus(64 * 64, 0);
+    for (const auto& p :
+         {std::pair{30, 29}, {29, 30}, {30, 30}, {31, 30}, {32, 30}, {30, 31}, {30, 32}}) {
+        plus[p.second * 64 + p.first] = 255;
     }
-    const std::vector<std::pair<int, int>> plus = {{30, 29}, {29, 30}, {30, 30}, {31, 30},
-                                                   {32, 30}, {30, 31}, {30, 32}};
-    EXPECT_EQ(marked, plus);
-
+    EXPECT_EQ(map, plus);
     EXPECT_EQ(mapOf(picture, {0, 50}, {20.0}, 32, 32)[30 * 64 + 30], 0) << "not above 20";
 }
 
-TEST(DefectMap, PixelsOnARingRadiusBelongToNoRing) {
-    const TestPicture busy = checkerboard(64);
-    // A wide second ring that never marks makes the examined square large enough.
-    const std::vector<unsigned char> map = mapOf(busy, {3, 10, 20, 40}, {1.0, 999.0}, 30, 30);
-    EXPECT_EQ(map[30 * 64 + 40], 0) << "d = 10, the outer radius";
-    EXPECT_EQ(map[30 * 64 + 39], 255);
-    EXPECT_EQ(map[30 * 64 + 33], 0) << "d = 3, the inner radius";
-    EXPECT_EQ(map[31 * 64 + 33], 255);
-    EXPECT_EQ(map[30 * 64 + 30], 0) << "inside the inner radius";
-}
-
-TEST(DefectMap, TheFirstRingInListOrderDecides) {
-    const TestPicture busy = checkerboard(64);
-    // Contrast 200 everywhere: a first ring with threshold 250 hides the second's 1.
-    const std::vector<unsigned char> map = mapOf(busy, {0, 20, 0, 25}, {250.0, 1.0}, 32, 32);
-    EXPECT_EQ(map[32 * 64 + 40], 0);
-    EXPECT_EQ(map[32 * 64 + 52], 255) << "on the first ring's outer radius: the second ring";
-}
-
-TEST(DefectMap, SmallRingsAndTheImageBorderAreNotExamined) {
-    const TestPicture busy = checkerboard(64);
-    EXPECT_EQ(mapOf(busy, {0, 4}, {1.0}, 32, 32), std::vector<unsigned char>(64 * 64, 0));
-    // Only the square of half-side R - 4 is examined: the ring's outer 4 pixels on the axes
-    // are not.
-    const std::vector<unsigned char> square = mapOf(busy, {0, 20}, {1.0}, 32, 32);
-    EXPECT_EQ(square[32 * 64 + 47], 255);
-    EXPECT_EQ(square[32 * 64 + 48], 0);
-    const std::vector<unsigned char> map = mapOf(busy, {0, 200}, {1.0}, 32, 32);
-    EXPECT_EQ(map[3 * 64 + 20], 0);
-    EXPECT_EQ(map[4 * 64 + 20], 255);
-    EXPECT_EQ(map[60 * 64 + 20], 255);
-    EXPECT_EQ(map[61 * 64 + 20], 0);
-    EXPECT_EQ(map[20 * 64 + 60], 255);
-    EXPECT_EQ(map[20 * 64 + 61], 0);
+TEST(DefectMap, TheFirstRingHoldingAPixelDecidesWithinTheExaminedSquare) {
+    const TestPicture busy = checkerboard(64);  // contrast 200 everywhere
+    EXPECT_EQ(mapOf(busy, {0, 4}, {1.0}, 32, 32), std::vector<unsigned char>(64 * 64, 0))
+        << "rings of radius 4 or less are not examined";
+    // Pixels on a ring radius (d = 10 and d = 3) belong to no ring. A wide second ring that
+    // never marks makes the examined square large enough.
+    EXPECT_EQ(wrongMarks(mapOf(busy, {3, 10, 20, 40}, {1.0, 999.0}, 30, 30),
+                         {{40, 30, 0}, {39, 30, 255}, {33, 30, 0}, {33, 31, 255}, {30, 30, 0}}),
+              "");
+    // The first ring in list order decides: its threshold 250 hides the second's 1, up to its
+    // outer radius.
+    EXPECT_EQ(
+        wrongMarks(mapOf(busy, {0, 20, 0, 25}, {250.0, 1.0}, 32, 32), {{40, 32, 0}, {52, 32, 255}}),
+        "");
+    // Only the square of half-side R - 4 is examined, and not the image's border.
+    EXPECT_EQ(wrongMarks(mapOf(busy, {0, 20}, {1.0}, 32, 32), {{47, 32, 255}, {48, 32, 0}}), "");
+    EXPECT_EQ(
+        wrongMarks(
+            mapOf(busy, {0, 200}, {1.0}, 32, 32),
+            {{20, 3, 0}, {20, 4, 255}, {20, 60, 255}, {20, 61, 0}, {60, 20, 255}, {61, 20, 0}}),
+        "");
 }
 
 TEST(DefectMap, MoreThanTenRingsAreRefused) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 namespace {
@@ -9,24 +11,23 @@ namespace {
 constexpr int kSize = 64;
 
 struct Extraction {
-    std::vector<unsigned char> map = std::vector<unsigned char>(kSize * kSize, 0);
-    std::vector<unsigned char> accepted = std::vector<unsigned char>(kSize * kSize, 7);
+    int size;
+    std::vector<unsigned char> map = std::vector<unsigned char>(size * size, 0);
+    std::vector<unsigned char> accepted = std::vector<unsigned char>(size * size, 7);
     std::vector<unsigned char> zones;
     std::vector<defect_info_struct> defects;
-    int count = 0;
 
+    explicit Extraction(int side = kSize) : size(side) {}
     void set(int left, int top, int w, int h) {
         for (int y = top; y < top + h; ++y) {
-            for (int x = left; x < left + w; ++x) {
-                map[y * kSize + x] = 255;
-            }
+            std::fill_n(map.begin() + y * size + left, w, 255);
         }
     }
     int run(int cx = 0, int cy = 0) {
         GetFiberValidDefect extractor;
-        count =
+        const int count =
             extractor.GetValidDefect(map.data(), accepted.data(),
-                                     zones.empty() ? nullptr : zones.data(), kSize, kSize, cx, cy);
+                                     zones.empty() ? nullptr : zones.data(), size, size, cx, cy);
         if (count > 0) {
             defects.assign(extractor.GetDefectList(), extractor.GetDefectList() + count);
         }
@@ -44,43 +45,42 @@ void expectBox(const defect_info_struct& d, int top, int bottom, int left, int r
 }  // namespace
 
 TEST(ValidDefect, RegionsUnderSixteenPixelsAreDropped) {
-    Extraction small;
-    small.set(10, 10, 3, 5);
-    EXPECT_EQ(small.run(), 0);
-    EXPECT_EQ(small.accepted, std::vector<unsigned char>(kSize * kSize, 0));
-
-    Extraction kept;
-    kept.set(10, 10, 4, 4);
-    ASSERT_EQ(kept.run(), 1);
-    expectBox(kept.defects[0], 10, 13, 10, 13);
-    EXPECT_EQ(kept.accepted[11 * kSize + 12], 255);
+    for (const int height : {0, 5}) {  // nothing, or 3 x 5
+        Extraction small;
+        small.set(10, 10, 3, height);
+        EXPECT_EQ(small.run(), 0) << height;
+        EXPECT_EQ(small.accepted, std::vector<unsigned char>(kSize * kSize, 0)) << height;
+    }
 }
 
-TEST(ValidDefect, AOnePixelGapIsClosed) {
-    Extraction e;
-    e.set(10, 10, 4, 4);
-    e.set(15, 10, 4, 4);
-    ASSERT_EQ(e.run(), 1);
-    expectBox(e.defects[0], 10, 13, 10, 18);
-}
-
-TEST(ValidDefect, DefectsAreListedInRowMajorOrderOfTheirFirstPixel) {
-    Extraction e;
-    e.set(40, 20, 5, 5);
-    e.set(10, 30, 5, 5);
-    e.set(20, 8, 5, 5);
-    ASSERT_EQ(e.run(), 3);
-    EXPECT_EQ(e.defects[0].top, 8);
-    EXPECT_EQ(e.defects[1].top, 20);
-    EXPECT_EQ(e.defects[2].top, 30);
-}
-
-TEST(ValidDefect, TheFrameIsClearedSoRegionsAreCutThere) {
-    Extraction e;
-    e.set(0, 20, 8, 8);
-    ASSERT_EQ(e.run(), 1);
-    expectBox(e.defects[0], 20, 27, 2, 7);
-    EXPECT_EQ(e.accepted[24 * kSize + 1], 0);
+TEST(ValidDefect, RegionsBecomeBoxesListedInRowMajorOrderOfTheirFirstPixel) {
+    using Box = std::array<int, 4>;
+    struct Case {
+        const char* what;
+        std::vector<Box> regions;  // left, top, width, height
+        std::vector<Box> boxes;    // top, bottom, left, right
+    };
+    const Case cases[] = {
+        {"16 pixels are kept", {{10, 10, 4, 4}}, {{10, 13, 10, 13}}},
+        {"a one pixel gap is closed", {{10, 10, 4, 4}, {15, 10, 4, 4}}, {{10, 13, 10, 18}}},
+        {"three, listed by their first pixel",
+         {{40, 20, 5, 5}, {10, 30, 5, 5}, {20, 8, 5, 5}},
+         {{8, 12, 20, 24}, {20, 24, 40, 44}, {30, 34, 10, 14}}},
+        {"the frame is cleared, so regions are cut there", {{0, 20, 8, 8}}, {{20, 27, 2, 7}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Extraction e;
+        for (const Box& r : c.regions) {
+            e.set(r[0], r[1], r[2], r[3]);
+        }
+        ASSERT_EQ(e.run(), int(c.boxes.size()));
+        for (size_t i = 0; i < c.boxes.size(); ++i) {
+            expectBox(e.defects[i], c.boxes[i][0], c.boxes[i][1], c.boxes[i][2], c.boxes[i][3]);
+        }
+        EXPECT_EQ(e.accepted[c.boxes[0][0] * kSize + c.boxes[0][2]], 255) << "accepted";
+        EXPECT_EQ(e.accepted[c.boxes[0][0] * kSize + 1], 0) << "left of every box";
+    }
 }
 
 TEST(ValidDefect, TheFibersOwnEdgeRingIsNotADefect) {
@@ -106,9 +106,7 @@ TEST(ValidDefect, ADefectTakesTheSmallestZoneUnderIt) {
     Extraction e;
     e.zones.assign(kSize * kSize, 2);
     for (int y = 0; y < kSize; ++y) {
-        for (int x = 30; x < kSize; ++x) {
-            e.zones[y * kSize + x] = 1;
-        }
+        std::fill_n(e.zones.begin() + y * kSize + 30, kSize - 30, 1);
     }
     e.zones[20 * kSize + 20] = 255;
     e.set(20, 20, 12, 4);  // zones 2 and 1 (and one 255)
@@ -124,28 +122,15 @@ TEST(ValidDefect, ADefectTakesTheSmallestZoneUnderIt) {
 }
 
 TEST(ValidDefect, TheListGrowsBeyondItsFirstTwoHundredRecords) {
-    const int side = 2 * 6 * 20 + 8;  // 20 x 20 blobs of 5 x 5 with gaps of 7
-    std::vector<unsigned char> map(side * side, 0), accepted(side * side);
+    Extraction e(2 * 6 * 20 + 8);  // 20 x 20 blobs of 5 x 5 with gaps of 7
     for (int row = 0; row < 20; ++row) {
         for (int col = 0; col < 20; ++col) {
-            for (int y = 0; y < 5; ++y) {
-                for (int x = 0; x < 5; ++x) {
-                    map[(4 + 12 * row + y) * side + 4 + 12 * col + x] = 255;
-                }
-            }
+            e.set(4 + 12 * col, 4 + 12 * row, 5, 5);
         }
     }
-    GetFiberValidDefect extractor;
-    ASSERT_EQ(extractor.GetValidDefect(map.data(), accepted.data(), nullptr, side, side, 0, 0),
-              400);
-    EXPECT_EQ(extractor.GetDefectList()[399].top, 4 + 12 * 19);
-    EXPECT_EQ(extractor.GetDefectList()[399].left, 4 + 12 * 19);
-}
-
-TEST(ValidDefect, AnEmptyMapGivesNoDefect) {
-    Extraction e;
-    EXPECT_EQ(e.run(), 0);
-    EXPECT_EQ(e.accepted, std::vector<unsigned char>(kSize * kSize, 0));
+    ASSERT_EQ(e.run(), 400);
+    EXPECT_EQ(e.defects[399].top, 4 + 12 * 19);
+    EXPECT_EQ(e.defects[399].left, 4 + 12 * 19);
 }
 
 TEST(DefectBoxes, TheLabelMapShowsTheLaterDefectWhereBoxesOverlap) {

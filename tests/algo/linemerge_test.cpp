@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "linemerge.h"
@@ -34,14 +35,6 @@ TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
     EXPECT_EQ(out[0].width, 4.5) << "as wide as its widest piece";
 }
 
-TEST(LineMerge, PiecesApartInAngleOffsetOrDistanceStaySeparate) {
-    const ScratchRecord base = segment(200, 300, 400, 300);
-    EXPECT_EQ(merged({base, segment(420, 300, 560, 330)}).size(), 2u) << "12 degrees apart";
-    EXPECT_EQ(merged({base, segment(420, 316, 560, 316)}).size(), 2u) << "16 px to the side";
-    EXPECT_EQ(merged({base, segment(620, 300, 760, 300)}).size(), 2u) << "a 220 px gap";
-    EXPECT_EQ(merged({base, segment(420, 302, 560, 302)}).size(), 1u);
-}
-
 TEST(LineMerge, TheTwoEdgesOfAWideScratchBecomeOneScratchBetweenThem) {
     // A scratch 8 px wide is seen as its two edges, with opposite directions.
     const std::vector<ScratchRecord> out =
@@ -66,28 +59,38 @@ TEST(LineMerge, PiecesOfACircleAboutTheFiberCenterAreNoScratch) {
     EXPECT_EQ(merged(arcs).size(), 1u);
 }
 
-TEST(LineMerge, ShortOrWideCandidatesAreLeftOut) {
-    EXPECT_TRUE(merged({segment(100, 100, 108, 100)}).empty()) << "shorter than 10 px";
-    EXPECT_TRUE(merged({segment(100, 100, 300, 100, 12.5)}).empty()) << "wider than 12 px";
-    EXPECT_TRUE(merged({segment(100, 100, 300, 100, 11.0)}, 10).empty()) << "sens 10: 10 px";
-    EXPECT_EQ(merged({segment(100, 100, 300, 100, 11.0)}, 16).size(), 1u);
-}
-
-TEST(LineMerge, TheSpanTestIsOnTheAxesNotTheLength) {
-    // Length 60 with spans of 42.4 along both axes.
-    const ScratchRecord diagonal = segment(200, 200, 242.4, 242.4);
-    EXPECT_TRUE(merged({diagonal}, 18).empty()) << "spans 42 against 45";
-    EXPECT_EQ(merged({diagonal}, 6).size(), 1u) << "spans 42 against 30";
-    EXPECT_TRUE(merged({segment(200, 200, 270, 200)}, 11).empty()) << "70 is not above 70";
-    EXPECT_EQ(merged({segment(200, 200, 271, 200)}, 11).size(), 1u);
-}
-
-TEST(LineMerge, AnOutOfRangeSensitivityFindsNothing) {
-    const ScratchRecord line = segment(100, 100, 400, 100);
-    EXPECT_TRUE(merged({line}, 0).empty());
-    EXPECT_TRUE(merged({line}, 21).empty());
-    EXPECT_EQ(merged({line}, 1).size(), 1u);
-    EXPECT_EQ(merged({line}, 20).size(), 1u);
+TEST(LineMerge, WhichCandidatesAreKeptAndJoined) {
+    struct Case {
+        std::vector<ScratchRecord> segments;
+        int sens;
+        size_t scratches;
+        const char* why;
+    };
+    const ScratchRecord base = segment(200, 300, 400, 300),
+                        diagonal = segment(200, 200, 242.4, 242.4);
+    const ScratchRecord line = segment(100, 100, 300, 100, 11.0);
+    const Case cases[] = {
+        {{base, segment(420, 300, 560, 330)}, 16, 2, "12 degrees apart"},
+        {{base, segment(420, 316, 560, 316)}, 16, 2, "16 px to the side"},
+        {{base, segment(620, 300, 760, 300)}, 16, 2, "a 220 px gap"},
+        {{base, segment(420, 302, 560, 302)}, 16, 1, "joined"},
+        {{segment(100, 100, 108, 100)}, 16, 0, "shorter than 10 px"},
+        {{segment(100, 100, 300, 100, 12.5)}, 16, 0, "wider than 12 px"},
+        {{line}, 10, 0, "sens 10: no wider than 10 px"},
+        {{line}, 16, 1, "11 px at sens 16"},
+        // The span test is on the axes, not the length: the diagonal is 60 long, 42.4 on both.
+        {{diagonal}, 18, 0, "spans 42 against 45"},
+        {{diagonal}, 6, 1, "spans 42 against 30"},
+        {{segment(200, 200, 270, 200)}, 11, 0, "70 is not above 70"},
+        {{segment(200, 200, 271, 200)}, 11, 1, "71 is"},
+        {{line}, 0, 0, "sens 0 is out of range"},
+        {{line}, 21, 0, "sens 21 is out of range"},
+        {{segment(100, 100, 400, 100)}, 1, 1, "sens 1"},
+        {{segment(100, 100, 400, 100)}, 20, 1, "sens 20"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(merged(c.segments, c.sens).size(), c.scratches) << c.why;
+    }
 }
 
 TEST(LineMerge, SettingsFollowTheSensitivityTables) {
@@ -109,15 +112,11 @@ TEST(LineMerge, SettingsFollowTheSensitivityTables) {
     };
     for (const Row& row : rows) {
         const MergeSettings s = mergeSettingsFor(row.sens);
-        EXPECT_EQ(s.minLength, row.minLength) << row.sens;
-        EXPECT_EQ(s.maxWidth, row.maxWidth) << row.sens;
-        EXPECT_EQ(s.first.angleTol, row.a1) << row.sens;
-        EXPECT_EQ(s.first.p, row.p1) << row.sens;
-        EXPECT_EQ(s.first.gap, row.g1) << row.sens;
-        EXPECT_EQ(s.second.angleTol, row.a2) << row.sens;
-        EXPECT_EQ(s.second.p, row.p2) << row.sens;
-        EXPECT_EQ(s.second.gap, row.g2) << row.sens;
-        EXPECT_EQ(s.minSpan, row.span) << row.sens;
+        EXPECT_EQ(std::make_tuple(s.minLength, s.maxWidth, s.first.angleTol, s.first.p, s.first.gap,
+                                  s.second.angleTol, s.second.p, s.second.gap, s.minSpan),
+                  std::make_tuple(row.minLength, row.maxWidth, row.a1, row.p1, row.g1, row.a2,
+                                  row.p2, row.g2, row.span))
+            << "sens " << row.sens;
     }
     EXPECT_EQ(mergeSettingsFor(0).minSpan, 35) << "any other sens";
 }

@@ -67,72 +67,54 @@ System randomSystem(int m, int n, unsigned seed) {
     return s;
 }
 
-TEST(LeastSquaresSolver, SolvesAFullRankOverdeterminedSystem) {
-    // b = A (2, 3) + r with r = (1, -1, -1, 1) orthogonal to both columns, so (2, 3) is the
-    // least-squares solution although no x fits exactly.
-    const System s{4, 2, {1, 0, 1, 1, 1, 2, 1, 3}, {3, 4, 7, 12}};
-    int status = 0;
-    expectNear({2.0, 3.0}, s.solve(&status), 1e-12);
-    EXPECT_EQ(1, status);
+TEST(LeastSquaresSolver, GivesTheMinimumNormLeastSquaresSolution) {
+    struct Case {
+        const char* what;
+        System system;
+        std::vector<double> expected;
+        double tolerance = 1e-12;
+    };
+    const Case cases[] = {
+        // b = A (2, 3) + r with r orthogonal to both columns: no x fits exactly.
+        {"full rank, overdetermined", {4, 2, {1, 0, 1, 1, 1, 2, 1, 3}, {3, 4, 7, 12}}, {2, 3}},
+        {"square", {3, 3, {4, -2, 1, 3, 6, -4, 2, 1, 8}, {3, 3, 28}}, {1, 2, 3}},
+        // Every x with x0 + x1 = 1/14 fits; the shortest splits it evenly.
+        {"duplicate columns", {3, 2, {1, 1, 2, 2, 3, 3}, {1, 0, 0}}, {1.0 / 28, 1.0 / 28}},
+        // b = A (any, 1, -1, 2) and b = A (1, any, 2, any): zero columns leave their unknowns 0.
+        {"first column zero",
+         {4, 4, {0, 1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 10, 0, 2, 1, 1}, {5, 11, 19, 3}},
+         {0, 1, -1, 2}},
+        {"zero columns between",
+         {4, 4, {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 7, 0, 2, 0, 9, 0}, {5, 11, 19, 20}},
+         {1, 0, 2, 0}},
+        // Underdetermined: the shortest x lies in the row space, x = A^T y.
+        {"one equation, two unknowns", {1, 2, {1, 1}, {2}}, {1, 1}},
+        {"two equations, three unknowns", {2, 3, {1, 0, 1, 0, 1, 1}, {3, 3}}, {1, 1, 2}},
+        {"zero matrix", {3, 2, std::vector<double>(6, 0.0), {1, 2, 3}}, {0, 0}, 0.0},
+        // The exact solution is (2, 0), but the second singular value, about 5e-10 of the
+        // first, is below eps: solved as the rank-1 system it nearly is.
+        {"nearly singular", {2, 2, {1, 1, 1, 1 + 1e-9}, {2, 2}}, {1, 1}, 1e-6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        int status = 0;
+        expectNear(c.expected, c.system.solve(&status), c.tolerance);
+        EXPECT_EQ(1, status);
+    }
 }
 
-TEST(LeastSquaresSolver, SolvesASquareSystemExactly) {
-    // b = A (1, 2, 3).
-    const System s{3, 3, {4, -2, 1, 3, 6, -4, 2, 1, 8}, {3, 3, 28}};
-    expectNear({1.0, 2.0, 3.0}, s.solve(), 1e-12);
-}
-
-TEST(LeastSquaresSolver, MeetsTheNormalEquationsOnARandomSystem) {
+TEST(LeastSquaresSolver, MeetsTheNormalEquationsOnRandomAndDependentColumns) {
     const System s = randomSystem(40, 5, 7);
     expectNear(std::vector<double>(5, 0.0), s.normalResidual(s.solve()), 1e-9);
-}
-
-TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfDuplicateColumns) {
-    // Every x with x0 + x1 = 1/14 is a least-squares solution; the shortest splits it evenly.
-    const System s{3, 2, {1, 1, 2, 2, 3, 3}, {1, 0, 0}};
-    expectNear({1.0 / 28, 1.0 / 28}, s.solve(), 1e-12);
-}
-
-TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfADependentColumn) {
-    // Column 2 = column 0 + column 1: least-squares solutions differ by multiples of
-    // (1, 1, -1), and the minimum-norm one is orthogonal to it.
-    System s = randomSystem(12, 3, 11);
-    for (int i = 0; i < s.m; ++i) {
-        s.a[i * 3 + 2] = s.a[i * 3] + s.a[i * 3 + 1];
+    // Column 2 = column 0 + column 1: solutions differ by multiples of (1, 1, -1), and the
+    // minimum-norm one is orthogonal to it.
+    System d = randomSystem(12, 3, 11);
+    for (int i = 0; i < d.m; ++i) {
+        d.a[i * 3 + 2] = d.a[i * 3] + d.a[i * 3 + 1];
     }
-    const std::vector<double> x = s.solve();
-    expectNear({0.0, 0.0, 0.0}, s.normalResidual(x), 1e-9);
+    const std::vector<double> x = d.solve();
+    expectNear({0.0, 0.0, 0.0}, d.normalResidual(x), 1e-9);
     EXPECT_NEAR(0.0, x[0] + x[1] - x[2], 1e-9);
-}
-
-TEST(LeastSquaresSolver, LeavesTheUnknownsOfZeroColumnsAtZero) {
-    // b = A (any, 1, -1, 2) with the first column zero.
-    const System s{4, 4, {0, 1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 10, 0, 2, 1, 1}, {5, 11, 19, 3}};
-    expectNear({0.0, 1.0, -1.0, 2.0}, s.solve(), 1e-12);
-    // and with zero columns in between: b = A (1, any, 2, any).
-    const System t{4, 4, {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 7, 0, 2, 0, 9, 0}, {5, 11, 19, 20}};
-    expectNear({1.0, 0.0, 2.0, 0.0}, t.solve(), 1e-12);
-}
-
-TEST(LeastSquaresSolver, GivesTheMinimumNormSolutionOfAnUnderdeterminedSystem) {
-    expectNear({1.0, 1.0}, System{1, 2, {1, 1}, {2}}.solve(), 1e-12);
-    // Two equations, three unknowns: the shortest x lies in the row space, x = A^T y.
-    const System s{2, 3, {1, 0, 1, 0, 1, 1}, {3, 3}};
-    expectNear({1.0, 1.0, 2.0}, s.solve(), 1e-12);
-}
-
-TEST(LeastSquaresSolver, SolvesAZeroMatrixWithZero) {
-    const System s{3, 2, std::vector<double>(6, 0.0), {1, 2, 3}};
-    int status = 0;
-    expectNear({0.0, 0.0}, s.solve(&status), 0.0);
-    EXPECT_EQ(1, status);
-}
-
-// The exact solution of this nearly singular system is (2, 0); its second singular value, about
-// 5e-10 of the first, is below eps, and the system is solved as the rank-1 one it nearly is.
-TEST(LeastSquaresSolver, DropsSingularValuesBelowEpsRelative) {
-    const System s{2, 2, {1, 1, 1, 1 + 1e-9}, {2, 2}};
-    expectNear({1.0, 1.0}, s.solve(), 1e-6);
 }
 
 // ---- the ellipse fit ---------------------------------------------------------------------------
@@ -168,33 +150,27 @@ Points ellipsePoints(double cx, double cy, double along, double across, double d
     return points;
 }
 
-TEST(EllipseFit, FitsACircleOfEdgePoints) {
-    const Fit fit = ellipsePoints(160, 160, 122, 122, 0, 400).fit();
-    EXPECT_NEAR(160.0, fit[0], 0.05);
-    EXPECT_NEAR(160.0, fit[1], 0.05);
-    EXPECT_NEAR(244.0, fit[2], 0.5);
-    EXPECT_NEAR(244.0, fit[3], 0.5);
-}
-
 // The angle is the direction of the larger axis plus 90 degrees: 90 when it lies along x.
-TEST(EllipseFit, FitsAnAxisAlignedEllipse) {
-    const Fit fit = ellipsePoints(300, 240, 130, 110, 0, 400).fit();
-    EXPECT_NEAR(300.0, fit[0], 0.05);
-    EXPECT_NEAR(240.0, fit[1], 0.05);
-    EXPECT_NEAR(220.0, fit[2], 0.5);
-    EXPECT_NEAR(260.0, fit[3], 0.5);
-    EXPECT_NEAR(90.0, fit[4], 0.2);
-}
-
-TEST(EllipseFit, FitsRotatedEllipses) {
-    const double rotations[] = {30.0, -30.0, 60.0, 89.0, -89.0};
-    for (double degrees : rotations) {
-        const Fit fit = ellipsePoints(250, 200, 130, 70, degrees, 500).fit();
-        EXPECT_NEAR(250.0, fit[0], 0.05) << degrees;
-        EXPECT_NEAR(200.0, fit[1], 0.05) << degrees;
-        EXPECT_NEAR(140.0, fit[2], 0.5) << degrees;
-        EXPECT_NEAR(260.0, fit[3], 0.5) << degrees;
-        EXPECT_NEAR(degrees + 90.0, fit[4], 0.3) << degrees;
+TEST(EllipseFit, FitsCirclesAndRotatedEllipsesOfEdgePoints) {
+    struct Case {
+        double cx, cy, along, across, degrees;
+        int count;
+        double angleTolerance;  // negative: a circle has no angle
+    };
+    const Case cases[] = {{160, 160, 122, 122, 0, 400, -1},  {300, 240, 130, 110, 0, 400, 0.2},
+                          {250, 200, 130, 70, 30, 500, 0.3}, {250, 200, 130, 70, -30, 500, 0.3},
+                          {250, 200, 130, 70, 60, 500, 0.3}, {250, 200, 130, 70, 89, 500, 0.3},
+                          {250, 200, 130, 70, -89, 500, 0.3}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.along << " x " << c.across << " at " << c.degrees);
+        const Fit fit = ellipsePoints(c.cx, c.cy, c.along, c.across, c.degrees, c.count).fit();
+        EXPECT_NEAR(c.cx, fit[0], 0.05);
+        EXPECT_NEAR(c.cy, fit[1], 0.05);
+        EXPECT_NEAR(2 * c.across, fit[2], 0.5);
+        EXPECT_NEAR(2 * c.along, fit[3], 0.5);
+        if (c.angleTolerance >= 0) {
+            EXPECT_NEAR(c.degrees + 90.0, fit[4], c.angleTolerance);
+        }
     }
 }
 
@@ -216,8 +192,8 @@ TEST(EllipseFit, FitsFivePointsOnAConicExactly) {
 }
 
 // No ellipse fits points on a line: the systems are rank-deficient, solved through the
-// generalised inverse, and the result stays finite.
-TEST(EllipseFit, GivesFiniteValuesForPointsOnALine) {
+// generalised inverse, and the result stays finite. Without points it is NaN.
+TEST(EllipseFit, GivesFiniteValuesForPointsOnALineAndNaNWithoutPoints) {
     const int slopes[][2] = {{1, 2}, {1, 0}, {0, 1}, {3, -1}};
     for (const auto& slope : slopes) {
         Points points;
@@ -228,11 +204,7 @@ TEST(EllipseFit, GivesFiniteValuesForPointsOnALine) {
             EXPECT_TRUE(std::isfinite(value)) << slope[0] << "," << slope[1] << ": " << value;
         }
     }
-}
-
-TEST(EllipseFit, GivesNaNWithoutPoints) {
-    const Fit fit = Points().fit();
-    for (double value : fit) {
+    for (double value : Points().fit()) {
         EXPECT_TRUE(std::isnan(value));
     }
 }
