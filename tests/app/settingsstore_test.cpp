@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "taskjson.h"
 #include "tasklist.h"
 #include "temproot.h"
 
@@ -53,37 +54,19 @@ TEST_F(SettingsFile, FactoryRestorePutsBothFactoryFilesBack) {
     tasks.close();
 
     ASSERT_TRUE(store.restoreFactorySettings());
-    EXPECT_EQ(store.textValue(SettingsStore::kOperator), "Admin");
-    EXPECT_EQ(store.intValue(SettingsStore::kShutdownTime), 3);
     QFile factoryTasks(":/conf/taskinfo.conf");
     ASSERT_TRUE(factoryTasks.open(QIODevice::ReadOnly));
     EXPECT_EQ(readAll(taskFilePath()), factoryTasks.readAll());
-
+    TaskList restored;
+    ASSERT_EQ(restored.readTaskListFromJsonFile(), 0);
+    ASSERT_FALSE(restored.tasks().isEmpty());
+    // The store in use and a fresh reader of the file agree; the last task is the first built-in.
     const SettingsStore fresh;
-    const struct {
-        const char* key;
-        QVariant value;
-    } factory[] = {
-        {SettingsStore::kAutoFocus, false},
-        {SettingsStore::kAutoIdInc, true},
-        {SettingsStore::kDescriber, "Fiber endface inspection"},
-        {SettingsStore::kExpTimeMf, 45},
-        {SettingsStore::kExpTimeSf, 20},
-        {SettingsStore::kGrayValueMf, 85},
-        {SettingsStore::kGrayValueSf, 185},
-        {SettingsStore::kLanguage, 0},
-        {SettingsStore::kLastTaskUuid, "a338e868-f599-4d2a-854a-2932e885187f"},
-        {SettingsStore::kLcdAutoBrightness, true},
-        {SettingsStore::kLcdBrightness, 50},
-        {SettingsStore::kManufacturer, "Quarvelin"},
-        {SettingsStore::kOperator, "Admin"},
-        {SettingsStore::kOverlay, false},
-        {SettingsStore::kSaveType, 0},
-        {SettingsStore::kShutdownTime, 3},
-        {SettingsStore::kSnText, "SN1234567890"},
-    };
-    for (const auto& entry : factory) {
-        EXPECT_EQ(fresh.textValue(entry.key), entry.value.toString()) << entry.key;
+    for (const SettingsStore* reader : {static_cast<const SettingsStore*>(&store), &fresh}) {
+        EXPECT_EQ(reader->textValue(SettingsStore::kOperator), "Admin");
+        EXPECT_EQ(reader->intValue(SettingsStore::kShutdownTime), 3);
+        EXPECT_EQ(reader->textValue(SettingsStore::kLastTaskUuid),
+                  taskText(restored.tasks()[0].taskId));
     }
 }
 
@@ -108,21 +91,22 @@ TEST_F(SettingsFile, TheConnectorIdAdvancesInTheFile) {
     EXPECT_EQ(SettingsStore().textValue(SettingsStore::kSnText), "SN1234567891");
 }
 
-TEST(ConnectorId, TheTrailingNumberCountsUpAndTheHeadStays) {
-    EXPECT_EQ(SettingsStore::idIncrease("SN1234567890"), "SN1234567891");
-    EXPECT_EQ(SettingsStore::idIncrease("  SN0009 "), "SN0010");
-    EXPECT_EQ(SettingsStore::idIncrease("A99"), "A100");
-    EXPECT_EQ(SettingsStore::idIncrease("99"), "100");
-    EXPECT_EQ(SettingsStore::idIncrease("PORT7-B12"), "PORT7-B13");
-    EXPECT_EQ(SettingsStore::idIncrease("ABC"), "ABC1");
-    EXPECT_EQ(SettingsStore::idIncrease("12A"), "12A1");
-    EXPECT_EQ(SettingsStore::idIncrease(""), "1");
-    EXPECT_EQ(SettingsStore::idIncrease("SN98765432109876543210"), "SN98765432109876543211");
-}
-
-TEST(ConnectorId, LongNumbersCarryDigitByDigit) {
-    EXPECT_EQ(SettingsStore::bigNumAddOne("0"), "1");
+TEST(ConnectorId, TheTrailingNumberCountsUpDigitByDigitAndTheHeadStays) {
+    const std::pair<const char*, const char*> ids[] = {
+        {"SN1234567890", "SN1234567891"},
+        {"  SN0009 ", "SN0010"},
+        {"A99", "A100"},
+        {"99", "100"},
+        {"PORT7-B12", "PORT7-B13"},
+        {"ABC", "ABC1"},
+        {"12A", "12A1"},
+        {"", "1"},
+        {"SN98765432109876543210", "SN98765432109876543211"},
+        {"SN12345678901234567899", "SN12345678901234567900"},
+    };
+    for (const auto& [id, next] : ids) {
+        EXPECT_EQ(SettingsStore::idIncrease(id), next) << id;
+    }
     EXPECT_EQ(SettingsStore::bigNumAddOne("0099"), "0100");
     EXPECT_EQ(SettingsStore::bigNumAddOne("999"), "1000");
-    EXPECT_EQ(SettingsStore::bigNumAddOne("12345678901234567899"), "12345678901234567900");
 }

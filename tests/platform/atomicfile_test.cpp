@@ -10,14 +10,10 @@
 
 #include "temproot.h"
 
-namespace {
-
-QByteArray readAll(const QString& path) {
+static QByteArray readAll(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-}  // namespace
 
 TEST(AtomicFile, ReplacesTheContentsAndLeavesNoTemporaryFile) {
     TempRoot root;
@@ -42,7 +38,6 @@ TEST(AtomicFile, AWriterKilledMidWriteLeavesAWholeFile) {
     const QString path = root.file("day.xlsx");
     const QByteArray a(4 << 20, 'a'), b(3 << 20, 'b');
     ASSERT_TRUE(writeFileAtomically(path, a));
-
     for (int attempt = 0; attempt < 5; ++attempt) {
         const pid_t writer = fork();
         ASSERT_GE(writer, 0);

@@ -4,14 +4,10 @@
 
 #include "temproot.h"
 
-TEST(PlatformRoot, FixedPathsResolveUnderTheRootFromTheEnvironment) {
+TEST(PlatformRoot, FixedPathsResolveUnderTheRootAndResourcesStay) {
     TempRoot root;
     EXPECT_EQ(platformPath("/etc/taskinfo.conf"), root.path() + "/etc/taskinfo.conf");
     EXPECT_EQ(platformPath("etc/toxlocal.conf"), root.path() + "/etc/toxlocal.conf");
-}
-
-TEST(PlatformRoot, ProgramResourcesAreNotMoved) {
-    TempRoot root;
     EXPECT_EQ(platformPath(":/conf/taskinfo.conf"), ":/conf/taskinfo.conf");
 }
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QProcess>
 #include <QThread>
@@ -16,8 +15,6 @@
 #include "xlsxworkbook.h"
 
 namespace {
-
-constexpr const char* kDayFolder = "mnt/sdcard/sd/Measure_Result/20240517";
 
 // Waits until the saver has reported at least one completed save; returns the count so far.
 int waitForFirstSave(QProcess& saver, QByteArray& output) {
@@ -32,8 +29,8 @@ int waitForFirstSave(QProcess& saver, QByteArray& output) {
 TEST(NeverLoseADaysData, KillingTheProgramMidSaveKeepsEveryConfirmedRow) {
     TempRoot root;
     ASSERT_TRUE(QDir().mkpath(root.file("mnt/sdcard/sd")));
-    const QString dataFile = root.file(QString(kDayFolder) + "/MeasureData_EN.xlsx");
-    const QString reportFile = root.file(QString(kDayFolder) + "/Report/SN-CRASH_EN.xlsx");
+    const QString dataFile = root.file(QString(kSampleDayFolder) + "/MeasureData_EN.xlsx");
+    const QString reportFile = root.file(QString(kSampleDayFolder) + "/Report/SN-CRASH_EN.xlsx");
     // The pauses spread the kills over the phases of a save: encoding, packing, writing.
     const int pausesMs[] = {0, 7, 19, 33, 48, 64, 81, 99, 118, 140};
     int confirmed = 0;
@@ -59,9 +56,9 @@ TEST(NeverLoseADaysData, KillingTheProgramMidSaveKeepsEveryConfirmedRow) {
         EXPECT_LE(rows, confirmed + kills) << "at most the killed save itself may have landed";
     }
     const QJsonObject read = readWithOpenpyxl(dataFile);
-    const QJsonArray order = read["rowOrder"].toArray();
+    const QList<int> order = rowOrder(read);
     for (int index = 0; index < order.size(); ++index) {
-        EXPECT_EQ(order[index].toInt(), index + 1) << "rows stay consecutive";
+        EXPECT_EQ(order[index], index + 1) << "rows stay consecutive";
     }
     EXPECT_EQ(cellText(read, QString("A%1").arg(order.size())), "SN-CRASH");
     EXPECT_EQ(readWithOpenpyxl(reportFile)["pictures"].toArray().size(), 2);
@@ -69,12 +66,9 @@ TEST(NeverLoseADaysData, KillingTheProgramMidSaveKeepsEveryConfirmedRow) {
 
 TEST(NeverLoseADaysData, AHalfCopiedTemplateFromAPowerCutIsNotUsed) {
     TempRoot root;
-    const QString day = root.file(kDayFolder);
+    const QString day = root.file(kSampleDayFolder);
     ASSERT_TRUE(QDir().mkpath(day));
-    QFile partial(day + "/MeasureData_EN.xlsx.part");
-    ASSERT_TRUE(partial.open(QIODevice::WriteOnly));
-    partial.write("PK\x03\x04 cut short");
-    partial.close();
+    ASSERT_TRUE(writeFile(day + "/MeasureData_EN.xlsx.part", "PK\x03\x04 cut short"));
 
     ASSERT_EQ(saveMeasureResultSF(sampleRecord("SN1", kSaveData)), SaveOutcome::Saved);
     EXPECT_EQ(cellText(readWithOpenpyxl(day + "/MeasureData_EN.xlsx"), "A5"), "SN1");

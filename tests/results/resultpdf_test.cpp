@@ -45,7 +45,7 @@ TEST(LibreOffice, PrintsTheDataWorkbookAndTheReport) {
     ASSERT_TRUE(QDir().mkpath(root.file("mnt/sdcard/sd")));
     ASSERT_EQ(saveMeasureResultSF(sampleRecord("SN1")), SaveOutcome::Saved);
     ASSERT_EQ(saveMeasureResultSF(sampleRecord("SN2")), SaveOutcome::Saved);
-    const QString day = root.file("mnt/sdcard/sd/Measure_Result/20240517");
+    const QString day = root.file(kSampleDayFolder);
     for (const QString& workbook : {day + "/MeasureData_EN.xlsx", day + "/Report/SN2_EN.xlsx"}) {
         QTemporaryDir work;
         const QByteArray pdf = convertToPdf(program, workbook, work.path());

@@ -11,6 +11,9 @@
 SingleFiberResultRecord sampleRecord(const QString& connectorId, int saveMode = kSaveDataAndReport,
                                      bool passed = true);
 
+// Where the sample's day is saved, under the platform root.
+constexpr const char* kSampleDayFolder = "mnt/sdcard/sd/Measure_Result/20240517";
+
 // A picture like the measured image (gray) or the overlay (RGB): a bright fiber on a dark
 // background with some noise, so that it does not compress to nothing.
 QImage samplePicture(QImage::Format format, int side = 960);

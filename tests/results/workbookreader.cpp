@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 
+namespace {
+
+// Runs a script beside the tests; its standard output, or a test failure when it fails.
 bool runPythonScript(const QString& script, const QStringList& arguments, QByteArray& output) {
     QProcess python;
     python.start("/usr/bin/python3",
@@ -22,12 +26,16 @@ bool runPythonScript(const QString& script, const QStringList& arguments, QByteA
     return ok;
 }
 
-QJsonObject readWithOpenpyxl(const QString& path) {
+QJsonObject scriptJson(const QString& script, const QStringList& arguments) {
     QByteArray output;
-    if (!runPythonScript("dump_workbook.py", {path}, output)) {
-        return QJsonObject();
-    }
-    return QJsonDocument::fromJson(output).object();
+    return runPythonScript(script, arguments, output) ? QJsonDocument::fromJson(output).object()
+                                                      : QJsonObject();
+}
+
+}  // namespace
+
+QJsonObject readWithOpenpyxl(const QString& path) {
+    return scriptJson("dump_workbook.py", {path});
 }
 
 QString cellText(const QJsonObject& workbook, const QString& reference) {
@@ -35,21 +43,34 @@ QString cellText(const QJsonObject& workbook, const QString& reference) {
     return value.isDouble() ? QString::number(value.toDouble()) : value.toString();
 }
 
-QJsonObject compareParts(const QString& before, const QString& after) {
-    QByteArray output;
-    if (!runPythonScript("compare_parts.py", {before, after}, output)) {
-        return QJsonObject();
+QList<int> rowOrder(const QJsonObject& workbook) {
+    QList<int> order;
+    for (const QJsonValue& row : workbook["rowOrder"].toArray()) {
+        order << row.toInt();
     }
-    return QJsonDocument::fromJson(output).object();
+    return order;
+}
+
+QJsonObject compareParts(const QString& before, const QString& after) {
+    return scriptJson("compare_parts.py", {before, after});
 }
 
 bool editLikeAUser(const QString& path, const QString& noteCell, const QString& logo) {
-    QStringList arguments = {path, noteCell};
-    if (!logo.isEmpty()) {
-        arguments << "--logo" << logo;
-    }
     QByteArray output;
-    return runPythonScript("edit_template.py", arguments, output);
+    return runPythonScript(
+        "edit_template.py",
+        logo.isEmpty() ? QStringList{path, noteCell} : QStringList{path, noteCell, "--logo", logo},
+        output);
+}
+
+QByteArray fileContents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 void PrintTo(const QString& text, std::ostream* stream) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <ostream>
@@ -22,8 +23,12 @@ QJsonObject compareParts(const QString& before, const QString& after);
 // column B 33 wide, and the logo picture at A4 when one is given.
 bool editLikeAUser(const QString& path, const QString& noteCell, const QString& logo = QString());
 
-// Runs a script; its standard output, or false with a test failure when it fails.
-bool runPythonScript(const QString& script, const QStringList& arguments, QByteArray& output);
+// The rows in the order the sheet part lists them (its "rowOrder").
+QList<int> rowOrder(const QJsonObject& workbook);
+
+// A file's bytes ("" when it cannot be read), and writing them.
+QByteArray fileContents(const QString& path);
+bool writeFile(const QString& path, const QByteArray& bytes);
 
 // Lets GoogleTest print texts in failure messages.
 void PrintTo(const QString& text, std::ostream* stream);

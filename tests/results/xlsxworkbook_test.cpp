@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 
 #include "resultsample.h"
@@ -21,11 +22,6 @@ QString copyOfTemplate(const TempRoot& root, const QString& name) {
     EXPECT_TRUE(QFile::copy(":/templates/" + name, path));
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
     return path;
-}
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QJsonObject cell(const QJsonObject& workbook, const QString& reference) {
@@ -48,32 +44,18 @@ protected:
 
 }  // namespace
 
-TEST_F(Workbook, KnowsTheLastRowThatHoldsAValue) {
-    XlsxWorkbook data, report;
-    ASSERT_TRUE(data.open(":/templates/MeasureResultDataTemplate_EN.xlsx"))
-        << data.errorString().toStdString();
-    ASSERT_TRUE(report.open(":/templates/MeasureResultReportTemplate_EN.xlsx"));
-    EXPECT_EQ(data.lastUsedRow(), 4) << "the titles end in row 4";
-    EXPECT_EQ(report.lastUsedRow(), 38) << "the signature row";
-}
-
 TEST_F(Workbook, RefusesWhatIsNotAWorkbookAndLeavesItAlone) {
     const QString text = root.file("notes.xlsx");
-    QFile file(text);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("not a zip");
-    file.close();
+    ASSERT_TRUE(writeFile(text, "not a zip"));
     const QString truncated = copyOfTemplate(root, "MeasureResultDataTemplate_EN.xlsx");
-    const QByteArray whole = contents(truncated);
-    QFile cut(truncated);
-    ASSERT_TRUE(cut.resize(whole.size() / 2));
+    ASSERT_TRUE(QFile(truncated).resize(QFileInfo(truncated).size() / 2));
 
     for (const QString& path : QStringList{root.file("missing.xlsx"), text, truncated}) {
-        const QByteArray before = contents(path);
+        const QByteArray before = fileContents(path);
         XlsxWorkbook workbook;
         EXPECT_FALSE(workbook.open(path)) << path.toStdString();
         EXPECT_FALSE(workbook.errorString().isEmpty());
-        EXPECT_EQ(contents(path), before) << "nothing is written on a failed open";
+        EXPECT_EQ(fileContents(path), before) << "nothing is written on a failed open";
     }
 }
 
@@ -151,11 +133,7 @@ TEST_F(Workbook, MergesCellsIntoExistingRowsInOrder) {
     ASSERT_TRUE(workbook.saveAs(path));
 
     const QJsonObject read = readWithOpenpyxl(path);
-    QList<int> order;
-    for (const QJsonValue& row : read["rowOrder"].toArray()) {
-        order << row.toInt();
-    }
-    EXPECT_EQ(order, QList<int>({1, 2, 3, 4, 5, 7}));
+    EXPECT_EQ(rowOrder(read), QList<int>({1, 2, 3, 4, 5, 7}));
     EXPECT_EQ(cellText(read, "A3"), "Connector");
     EXPECT_EQ(cellText(read, "B3"), "Description") << "its neighbours stay";
     EXPECT_EQ(cellText(read, "AN3"), "far right");
@@ -189,31 +167,9 @@ TEST_F(Workbook, PlacesPicturesWithTheirParts) {
               QStringList({"[Content_Types].xml", "xl/worksheets/sheet1.xml"}));
 }
 
-TEST_F(Workbook, AddsPicturesBesideATemplatesOwnLogo) {
-    const QString path = copyOfTemplate(root, "MeasureResultReportTemplate_EN.xlsx");
-    const QString logo = root.file("logo.png");
-    ASSERT_TRUE(samplePicture(QImage::Format_RGB888, 64).save(logo));
-    ASSERT_TRUE(editLikeAUser(path, "I1", logo));
-    XlsxWorkbook workbook;
-    ASSERT_TRUE(workbook.open(path));
-    workbook.setText(9, 3, "SN1");
-    ASSERT_TRUE(workbook.addPicture(samplePicture(QImage::Format_Grayscale8, 100),
-                                    {26, 1, {280, 280}}, "Original"));
-    ASSERT_TRUE(workbook.addPicture(samplePicture(QImage::Format_RGB888, 100), {26, 5, {280, 280}},
-                                    "Analyse"));
-    ASSERT_TRUE(workbook.saveAs(path)) << workbook.errorString().toStdString();
-
-    const QJsonObject read = readWithOpenpyxl(path);
-    const QJsonArray pictures = read["pictures"].toArray();
-    ASSERT_EQ(pictures.size(), 3);
-    EXPECT_EQ(pictures[0]["row"].toInt(), 4) << "the logo stays first, where it was";
-    EXPECT_EQ(cellText(read, "I1"), "User note");
-    EXPECT_EQ(cellText(read, "C9"), "SN1");
-}
-
 TEST_F(Workbook, AFailedSaveChangesNothing) {
     const QString path = copyOfTemplate(root, "MeasureResultDataTemplate_EN.xlsx");
-    const QByteArray before = contents(path);
+    const QByteArray before = fileContents(path);
     XlsxWorkbook workbook;
     ASSERT_TRUE(workbook.open(path));
     workbook.setText(5, 1, "SN1");
@@ -222,7 +178,7 @@ TEST_F(Workbook, AFailedSaveChangesNothing) {
     ASSERT_TRUE(QDir().mkpath(root.file("folder.xlsx")));
     EXPECT_FALSE(workbook.saveAs(root.file("folder.xlsx"))) << "a folder is not replaced";
     EXPECT_TRUE(QFileInfo(root.file("folder.xlsx")).isDir());
-    EXPECT_EQ(contents(path), before);
+    EXPECT_EQ(fileContents(path), before);
     EXPECT_TRUE(workbook.saveAs(path)) << "the workbook is still whole after failed saves";
     EXPECT_EQ(cellText(readWithOpenpyxl(path), "A5"), "SN1");
 }

@@ -5,8 +5,6 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 #include <QSet>
-#include <QThread>
-#include <QTimer>
 
 #include "taskjson.h"
 #include "uuid.h"
@@ -27,37 +25,24 @@ public:
     TaskInfoSetting task{};
     int index = -1;
     TaskZoneResult result{};
-    QThread* receivedIn = nullptr;
 public slots:
     void onNewTaskInfo(TaskInfo received, int at) {
         task = received;
         index = at;
-        receivedIn = QThread::currentThread();
     }
-    void onZoneResult(ZoneResult received) {
-        result = received;
-        QCoreApplication::quit();
-    }
+    void onZoneResult(ZoneResult received) { result = received; }
 };
 
 }  // namespace
 
-TEST(ZoneRadius, DiametersAreHalvedWholeBeforeScaling) {
-    EXPECT_DOUBLE_EQ(zoneRadiusPx(25), 12 / 0.5122950673103333);
-    EXPECT_DOUBLE_EQ(zoneRadiusPx(24), 12 / 0.5122950673103333);
-    EXPECT_NEAR(zoneRadiusPx(25), 23.42, 0.005);
-    EXPECT_DOUBLE_EQ(zoneRadiusPx(250), 125 / 0.5122950673103333);
-    EXPECT_DOUBLE_EQ(zoneRadiusPx(0), 0.0);
-}
-
-TEST(TaskRecords, QueuedSignalsCarryThemBetweenThreadsByTheirShortNames) {
+// A queued connection copies its arguments through their registered types, as between the
+// measurement thread and the window; an unregistered name is dropped with only a warning.
+TEST(TaskRecords, QueuedSignalsCarryThemByTheirShortNames) {
     int argc = 0;
     QCoreApplication app(argc, nullptr);
     registerTaskMetaTypes();
     RecordReceiver receiver;
     RecordSender sender;
-    QThread worker;
-    sender.moveToThread(&worker);
     ASSERT_TRUE(QObject::connect(&sender, SIGNAL(newTaskInfo(TaskInfo, int)), &receiver,
                                  SLOT(onNewTaskInfo(TaskInfo, int)), Qt::QueuedConnection));
     ASSERT_TRUE(QObject::connect(&sender, SIGNAL(zoneResult(ZoneResult)), &receiver,
@@ -71,21 +56,15 @@ TEST(TaskRecords, QueuedSignalsCarryThemBetweenThreadsByTheirShortNames) {
     TaskZoneResult result{};
     result.dMidResult = 1;
     result.dArea = 3.25;
-    QObject::connect(&worker, &QThread::started, &sender, [&] {
-        emit sender.newTaskInfo(task, 4);
-        emit sender.zoneResult(result);
-    });
-    worker.start();
-    QTimer::singleShot(5000, &app, &QCoreApplication::quit);
-    app.exec();
-    worker.quit();
-    worker.wait();
+    emit sender.newTaskInfo(task, 4);
+    emit sender.zoneResult(result);
+    EXPECT_EQ(receiver.index, -1) << "nothing arrives before the event loop runs";
+    QCoreApplication::sendPostedEvents();
 
     EXPECT_STREQ(receiver.task.taskName, "Sent across");
     EXPECT_EQ(receiver.task.sections[5].dBiggerLimit, -1);
     EXPECT_EQ(receiver.task.zoneResults[5].dArea, 12.5);
     EXPECT_EQ(receiver.index, 4);
-    EXPECT_EQ(receiver.receivedIn, app.thread());
     EXPECT_EQ(receiver.result.dMidResult, 1);
     EXPECT_EQ(receiver.result.dArea, 3.25);
 }

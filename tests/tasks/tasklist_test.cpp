@@ -75,18 +75,7 @@ TEST_F(TaskListFile, AMissingOrBrokenFileLeavesTheListAsItWas) {
     EXPECT_TRUE(fresh.tasks().isEmpty());
 }
 
-TEST_F(TaskListFile, WrittenTasksAreReadBackInOrder) {
-    list_.onNewTaskInfo(userTask("Mine", "11111111-1111-4111-8111-111111111111"), -1);
-    TaskList reread;
-    ASSERT_EQ(reread.readTaskListFromJsonFile(), 0);
-    ASSERT_EQ(reread.tasks().size(), 17);
-    EXPECT_STREQ(reread.tasks().last().taskName, "Mine");
-    EXPECT_EQ(reread.tasks().last().sections[0].diameterMax, 30);
-    EXPECT_EQ(taskFileBytes(reread.tasks()), fileBytes());
-    EXPECT_FALSE(QFile::exists(taskFilePath() + ".tmp"));
-}
-
-TEST_F(TaskListFile, TheEditorReplacesTheTaskAtItsPositionAndAddsNewOnesLast) {
+TEST_F(TaskListFile, TheEditorReplacesATaskInPlaceAndAddsNewOnesLastInTheFile) {
     QStringList names;
     QObject::connect(&list_, &TaskList::displayTaskListChanged,
                      [&](const QStringList& shown) { names = shown; });
@@ -99,6 +88,15 @@ TEST_F(TaskListFile, TheEditorReplacesTheTaskAtItsPositionAndAddsNewOnesLast) {
     EXPECT_EQ(names.size(), 17);
     EXPECT_EQ(names.last(), "New");
     EXPECT_EQ(list_.displayTaskList(), names);
+
+    TaskList reread;
+    ASSERT_EQ(reread.readTaskListFromJsonFile(), 0);
+    ASSERT_EQ(reread.tasks().size(), 17);
+    EXPECT_STREQ(reread.tasks()[3].taskName, "Edited");
+    EXPECT_STREQ(reread.tasks().last().taskName, "New");
+    EXPECT_EQ(reread.tasks().last().sections[0].diameterMax, 30);
+    EXPECT_EQ(taskFileBytes(reread.tasks()), fileBytes());
+    EXPECT_FALSE(QFile::exists(taskFilePath() + ".tmp"));
 }
 
 TEST_F(TaskListFile, ARemoteUpdateReplacesInPlaceOrPutsANewTaskFirst) {

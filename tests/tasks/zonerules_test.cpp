@@ -5,24 +5,21 @@
 #include "taskjson.h"
 
 TEST(ZoneRules, OnlyAnInvertedPairBeyondFiveHundredIsRefused) {
-    EXPECT_FALSE(isDiameterPairRejected(30, 20));
-    EXPECT_FALSE(isDiameterPairRejected(40, 30));
-    EXPECT_FALSE(isDiameterPairRejected(500, 500));
-    EXPECT_FALSE(isDiameterPairRejected(600, 700));
-    EXPECT_TRUE(isDiameterPairRejected(600, 550));
-    EXPECT_TRUE(isDiameterPairRejected(501, 501));
+    const struct {
+        int min, max;
+        bool rejected;
+    } pairs[] = {{30, 20, false},   {40, 30, false},  {500, 500, false},
+                 {600, 700, false}, {600, 550, true}, {501, 501, true}};
+    for (const auto& p : pairs) {
+        EXPECT_EQ(isDiameterPairRejected(p.min, p.max), p.rejected) << p.min << "-" << p.max;
+    }
 }
 
 TEST(ZoneRules, SingleFiberTasksTakeSixZonesAndMultiFiberTasksThree) {
-    for (int count = 0; count <= 5; ++count) {
-        EXPECT_TRUE(canAddZone(count, kContactorSF)) << count;
+    for (int count = 0; count <= 7; ++count) {
+        EXPECT_EQ(canAddZone(count, kContactorSF), count < 6) << count;
+        EXPECT_EQ(canAddZone(count, kContactorMF), count < 3) << count;
     }
-    EXPECT_FALSE(canAddZone(6, kContactorSF));
-    for (int count = 0; count <= 2; ++count) {
-        EXPECT_TRUE(canAddZone(count, kContactorMF)) << count;
-    }
-    EXPECT_FALSE(canAddZone(3, kContactorMF));
-    EXPECT_FALSE(canAddZone(5, kContactorMF));
 }
 
 TEST(ZoneRules, ANameIsTakenOnlyByAnotherTaskAndComparedExactly) {
