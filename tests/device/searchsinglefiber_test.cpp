@@ -17,12 +17,8 @@ struct Search {
 
 class SearchSingleFiber : public ::testing::Test {
 protected:
-    Search search(const sim::EndFaceScene& scene, unsigned window = 960, bool refine = true) {
-        return search(render(scene), window, window, refine);
-    }
-
-    Search search(const std::vector<uint16_t>& frame, unsigned windowWidth, unsigned windowHeight,
-                  bool refine) {
+    Search search(const std::vector<uint16_t>& frame, unsigned windowWidth = 960,
+                  unsigned windowHeight = 960, bool refine = true) {
         Search s{0, 1, 2, 3, 4};
         s.found =
             capture_.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, s.x, s.y,
@@ -58,51 +54,42 @@ TEST_F(SearchSingleFiber, AFrameWithoutCircleGivesTheFrameCenterUnclamped) {
     EXPECT_EQ(s.rawY, 600u);
 }
 
-TEST_F(SearchSingleFiber, TheRefinedCenterIsTheFiberCenter) {
-    const Search s = search(fiberAt(811.3, 587.6));
-    ASSERT_EQ(s.found, 1);
-    EXPECT_NEAR(s.rawX, 811.3, 1.5);
-    EXPECT_NEAR(s.rawY, 587.6, 1.5);
-    EXPECT_EQ(s.x, s.rawX);
-    EXPECT_EQ(s.y, s.rawY);
-}
-
-TEST_F(SearchSingleFiber, TheWindowIsKeptInsideTheFrame) {
-    const Search left = search(fiberAt(130.0, 1090.0), 640);
-    ASSERT_EQ(left.found, 1);
-    EXPECT_NEAR(left.rawX, 130.0, 6.0);
-    EXPECT_NEAR(left.rawY, 1090.0, 6.0);
-    EXPECT_EQ(left.x, 320u);
-    EXPECT_EQ(left.y, 1200u - 320u - 1u);
-
-    const Search right = search(fiberAt(1500.0, 300.0), 960);
-    ASSERT_EQ(right.found, 1);
-    EXPECT_EQ(right.x, 1600u - 480u - 1u);
-    EXPECT_EQ(right.y, 480u);
-    EXPECT_NEAR(right.rawX, 1500.0, 6.0);
-}
-
-TEST_F(SearchSingleFiber, NoRefinementWhereTheCropWouldLeaveTheFrame) {
-    for (const auto& at : {std::make_pair(150.0, 600.0), std::make_pair(1460.0, 600.0),
-                           std::make_pair(800.0, 1060.0)}) {
-        const std::vector<uint16_t> frame = render(fiberAt(at.first, at.second));
-        const Search refined = search(frame, 960, 960, true);
-        const Search coarse = search(frame, 960, 960, false);
-        ASSERT_EQ(refined.found, 1);
-        EXPECT_EQ(refined.rawX, coarse.rawX) << at.first << "," << at.second;
-        EXPECT_EQ(refined.rawY, coarse.rawY) << at.first << "," << at.second;
+TEST_F(SearchSingleFiber, TheFiberIsFoundAndTheWindowKeptInsideTheFrame) {
+    const struct {
+        double x, y;
+        unsigned window;
+        double tolerance;      // 1.5 px where the refinement runs
+        int windowX, windowY;  // -1: the window is centered on the fiber
+    } cases[] = {{811.3, 587.6, 960, 1.5, -1, -1},
+                 {130.0, 1090.0, 640, 6.0, 320, 1200 - 320 - 1},
+                 {1500.0, 300.0, 960, 6.0, 1600 - 480 - 1, 480}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "fiber at " << c.x << "," << c.y);
+        const Search s = search(render(fiberAt(c.x, c.y)), c.window, c.window);
+        ASSERT_EQ(s.found, 1);
+        EXPECT_NEAR(s.rawX, c.x, c.tolerance);
+        EXPECT_NEAR(s.rawY, c.y, c.tolerance);
+        EXPECT_EQ(s.x, c.windowX < 0 ? s.rawX : unsigned(c.windowX));
+        EXPECT_EQ(s.y, c.windowY < 0 ? s.rawY : unsigned(c.windowY));
     }
 }
 
-TEST_F(SearchSingleFiber, AFiberOfAnotherSizeKeepsTheCoarseCenter) {
-    sim::EndFaceScene scene = fiberAt(800.0, 600.0);
-    scene.claddingDiameterUm = 100.0;  // 195 px: no blob has the expected size
-    const std::vector<uint16_t> frame = render(scene);
-    const Search refined = search(frame, 960, 960, true);
-    const Search coarse = search(frame, 960, 960, false);
-    ASSERT_EQ(refined.found, 1);
-    EXPECT_EQ(refined.rawX, coarse.rawX);
-    EXPECT_EQ(refined.rawY, coarse.rawY);
+// Where the refinement's crop would leave the frame, or no blob has the cladding's size, the
+// coarse center stands.
+TEST_F(SearchSingleFiber, TheCoarseCenterStandsWhereTheRefinementCannotRun) {
+    sim::EndFaceScene otherSize = fiberAt(800.0, 600.0);
+    otherSize.claddingDiameterUm = 100.0;  // 195 px
+    for (const sim::EndFaceScene& scene :
+         {fiberAt(150.0, 600.0), fiberAt(1460.0, 600.0), fiberAt(800.0, 1060.0), otherSize}) {
+        SCOPED_TRACE(testing::Message() << "fiber at " << scene.centerX << "," << scene.centerY
+                                        << ", " << scene.claddingDiameterUm << " um");
+        const std::vector<uint16_t> frame = render(scene);
+        const Search refined = search(frame);
+        const Search coarse = search(frame, 960, 960, false);
+        ASSERT_EQ(refined.found, 1);
+        EXPECT_EQ(refined.rawX, coarse.rawX);
+        EXPECT_EQ(refined.rawY, coarse.rawY);
+    }
 }
 
 TEST_F(SearchSingleFiber, ASmallCircleIsFoundAtHalfScaleOnly) {
@@ -114,9 +101,7 @@ TEST_F(SearchSingleFiber, ASmallCircleIsFoundAtHalfScaleOnly) {
     const std::vector<uint16_t> frame = render(scene);
     unsigned x = 0, y = 0;
     std::vector<unsigned char> gray(frame.size());
-    for (size_t i = 0; i < frame.size(); ++i) {
-        gray[i] = static_cast<unsigned char>(frame[i] >> 2);
-    }
+    sim::renderGray(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, gray.data());
     ASSERT_EQ(capture_.cvSearchSingleFiber(gray.data(), 1600, 1200, 0.25, 0, 0, x, y), 0);
     const Search s = search(frame, 960, 960, false);
     ASSERT_EQ(s.found, 1);

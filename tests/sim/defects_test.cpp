@@ -9,56 +9,33 @@
 
 namespace {
 
-// What a defect changes: the frame with it minus the frame without it, in 8-bit levels.
-class DefectImprint {
-public:
-    DefectImprint(const sim::EndFaceScene& with, int left, int top, int side) : side_(side) {
+// What a defect changes: the frame with it minus the frame without it, in 8-bit levels, with
+// the sum and centroid of that change.
+struct DefectImprint {
+    DefectImprint(const sim::EndFaceScene& with, int left, int top, int side)
+        : left(left), top(top), side(side) {
         sim::EndFaceScene without = with;
         without.spots.clear();
         without.scratches.clear();
         const RenderedWindow a(with, left, top, side, side), b(without, left, top, side, side);
-        change_.resize(a.raw.size());
-        for (size_t i = 0; i < change_.size(); ++i) {
-            change_[i] = (double(a.raw[i]) - double(b.raw[i])) / 4.0;
-        }
-        left_ = left;
-        top_ = top;
-    }
-
-    double at(int x, int y) const { return change_[size_t(y - top_) * side_ + (x - left_)]; }
-
-    // Area in pixels, when every covered pixel changes by contrast.
-    double area(double contrast) const {
-        double sum = 0.0;
-        for (double c : change_) {
+        for (size_t i = 0; i < a.raw.size(); ++i) {
+            const double c = (double(a.raw[i]) - double(b.raw[i])) / 4.0;
+            change.push_back(c);
             sum += c;
+            centroidX += c * (left + int(i % side));
+            centroidY += c * (top + int(i / side));
         }
-        return sum / contrast;
+        centroidX /= sum;
+        centroidY /= sum;
     }
 
-    double centroidX() const {
-        return weighted([](int x, int) { return x; });
-    }
-    double centroidY() const {
-        return weighted([](int, int y) { return y; });
-    }
+    double at(int x, int y) const { return change[size_t(y - top) * side + (x - left)]; }
+    // Area in pixels, when every covered pixel changes by contrast.
+    double area(double contrast) const { return sum / contrast; }
 
-private:
-    template <class Coordinate>
-    double weighted(Coordinate coordinate) const {
-        double sum = 0.0, weight = 0.0;
-        for (int j = 0; j < side_; ++j) {
-            for (int i = 0; i < side_; ++i) {
-                const double c = change_[size_t(j) * side_ + i];
-                sum += c * coordinate(left_ + i, top_ + j);
-                weight += c;
-            }
-        }
-        return sum / weight;
-    }
-
-    int side_, left_ = 0, top_ = 0;
-    std::vector<double> change_;
+    int left, top, side;
+    std::vector<double> change;
+    double sum = 0.0, centroidX = 0.0, centroidY = 0.0;
 };
 
 sim::EndFaceScene withSpot(double x, double y, double diameterUm, double contrast, bool bright,
@@ -98,8 +75,8 @@ TEST(Spots, AreaAndCenterAreTheNominalDiscsDespiteTheIrregularOutline) {
         const double radius = sim::micronsToPixels(diameters[i]) / 2;
         EXPECT_NEAR(spot.area(-50.0), M_PI * radius * radius, 0.02 * M_PI * radius * radius + 0.3)
             << diameters[i];
-        EXPECT_NEAR(spot.centroidX(), x, 0.03 + 0.02 * radius) << diameters[i];
-        EXPECT_NEAR(spot.centroidY(), y, 0.03 + 0.02 * radius) << diameters[i];
+        EXPECT_NEAR(spot.centroidX, x, 0.03 + 0.02 * radius) << diameters[i];
+        EXPECT_NEAR(spot.centroidY, y, 0.03 + 0.02 * radius) << diameters[i];
     }
 }
 

@@ -57,14 +57,12 @@ TEST(EndFaceLevels, ChosenLevelsReplaceTheDefaults) {
 TEST(EndFaceLevels, TheCladdingRimHasADarkRingAndABrightHalo) {
     const sim::EndFaceScene scene = quietScene();
     const double edge = sim::micronsToPixels(scene.claddingDiameterUm) / 2;
-    const RenderedWindow w(scene, 500, 300, 600, 600);
-    EXPECT_LT(w.meanInRing(800, 600, edge - 3, edge - 1), sim::kDefaultCladdingLevel - 10);
-    EXPECT_GT(w.meanInRing(800, 600, edge + 1, edge + 3), sim::kDefaultFerruleLevel + 5);
-
     sim::EndFaceScene plain = scene;
     plain.edgeDarkRing = 0.0;
     plain.edgeBrightHalo = 0.0;
-    const RenderedWindow p(plain, 500, 300, 600, 600);
+    const RenderedWindow w(scene, 500, 300, 600, 600), p(plain, 500, 300, 600, 600);
+    EXPECT_LT(w.meanInRing(800, 600, edge - 3, edge - 1), sim::kDefaultCladdingLevel - 10);
+    EXPECT_GT(w.meanInRing(800, 600, edge + 1, edge + 3), sim::kDefaultFerruleLevel + 5);
     EXPECT_GT(p.meanInRing(800, 600, edge - 3, edge - 1), sim::kDefaultCladdingLevel - 1);
     EXPECT_LT(p.meanInRing(800, 600, edge + 1, edge + 3), sim::kDefaultFerruleLevel + 1);
 }
@@ -81,7 +79,7 @@ TEST(EndFaceGeometry, TheCladdingDiscIsCenteredOnTheSceneToAFewHundredthsOfAPixe
         scene.seed = uint32_t(c[0]);
         const RenderedWindow w(scene, int(c[0]) - 160, int(c[1]) - 160, 320, 320);
         sim::EndFaceScene bare = scene;
-        bare.centerX = -1e6;
+        bare.centerX = -1e6;  // the same ferrule without the fiber
         const RenderedWindow ferrule(bare, w.left, w.top, w.width, w.height);
         const double radius = sim::micronsToPixels(scene.claddingDiameterUm) / 2;
         const DiscEstimate disc = measureDisc(w, ferrule, sim::kDefaultCladdingLevel);

@@ -35,52 +35,47 @@ QJsonObject parsed(const std::string& json) {
 
 }  // namespace
 
-TEST(GroundTruth, TellsTheFiberAndTheCamera) {
-    const QJsonObject truth = parsed(sim::groundTruthJson(sceneWithDefects()));
-    EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 811.25);
-    EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 587.5);
-    EXPECT_DOUBLE_EQ(truth["claddingDiameterUm"].toDouble(), 125.0);
-    EXPECT_DOUBLE_EQ(truth["coreDiameterUm"].toDouble(), 50.0);
-    EXPECT_NEAR(truth["claddingRadiusPx"].toDouble(), 122.0, 0.05);
-    EXPECT_NEAR(truth["coreRadiusPx"].toDouble(), 48.8, 0.05);
-    EXPECT_DOUBLE_EQ(truth["umPerPixel"].toDouble(), sim::kMicronsPerPixel);
-    EXPECT_DOUBLE_EQ(truth["blurSigmaPx"].toDouble(), 1.5);
-    EXPECT_DOUBLE_EQ(truth["noiseSigma"].toDouble(), 1.0);
-    EXPECT_DOUBLE_EQ(truth["exposure"].toDouble(), 1.0);
-    EXPECT_DOUBLE_EQ(truth["ferruleLevel"].toDouble(), sim::kDefaultFerruleLevel);
-    EXPECT_EQ(truth["seed"].toVariant().toLongLong(), 4000000000LL);
-}
+// Read from the whole frame and from a region: positions are in the region's own coordinates,
+// sizes stay.
+TEST(GroundTruth, TellsTheFiberTheCameraAndEveryDefectInPixelsAndMicrometres) {
+    for (const auto& origin : {std::make_pair(0, 0), std::make_pair(331, 107)}) {
+        SCOPED_TRACE(testing::Message() << "from " << origin.first << "," << origin.second);
+        const int ox = origin.first, oy = origin.second;
+        const QJsonObject truth = parsed(sim::groundTruthJson(sceneWithDefects(), ox, oy));
+        EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 811.25 - ox);
+        EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 587.5 - oy);
+        EXPECT_DOUBLE_EQ(truth["claddingDiameterUm"].toDouble(), 125.0);
+        EXPECT_DOUBLE_EQ(truth["coreDiameterUm"].toDouble(), 50.0);
+        EXPECT_NEAR(truth["claddingRadiusPx"].toDouble(), 122.0, 0.05);
+        EXPECT_NEAR(truth["coreRadiusPx"].toDouble(), 48.8, 0.05);
+        EXPECT_DOUBLE_EQ(truth["umPerPixel"].toDouble(), sim::kMicronsPerPixel);
+        EXPECT_DOUBLE_EQ(truth["blurSigmaPx"].toDouble(), 1.5);
+        EXPECT_DOUBLE_EQ(truth["noiseSigma"].toDouble(), 1.0);
+        EXPECT_DOUBLE_EQ(truth["exposure"].toDouble(), 1.0);
+        EXPECT_DOUBLE_EQ(truth["ferruleLevel"].toDouble(), sim::kDefaultFerruleLevel);
+        EXPECT_EQ(truth["seed"].toVariant().toLongLong(), 4000000000LL);
 
-TEST(GroundTruth, TellsEveryDefectInPixelsAndMicrometres) {
-    const QJsonObject truth = parsed(sim::groundTruthJson(sceneWithDefects()));
-    const QJsonArray spots = truth["spots"].toArray();
-    ASSERT_EQ(spots.size(), 2);
-    const QJsonObject dark = spots[0].toObject(), bright = spots[1].toObject();
-    EXPECT_DOUBLE_EQ(dark["x"].toDouble(), 700.5);
-    EXPECT_DOUBLE_EQ(dark["y"].toDouble(), 500.25);
-    EXPECT_DOUBLE_EQ(dark["diameterUm"].toDouble(), 3.0);
-    EXPECT_NEAR(dark["radiusPx"].toDouble(), 2.928, 0.001);
-    EXPECT_DOUBLE_EQ(dark["contrast"].toDouble(), 40.0);
-    EXPECT_FALSE(dark["bright"].toBool());
-    EXPECT_TRUE(bright["bright"].toBool());
+        const QJsonArray spots = truth["spots"].toArray();
+        ASSERT_EQ(spots.size(), 2);
+        const QJsonObject dark = spots[0].toObject(), bright = spots[1].toObject();
+        EXPECT_DOUBLE_EQ(dark["x"].toDouble(), 700.5 - ox);
+        EXPECT_DOUBLE_EQ(dark["y"].toDouble(), 500.25 - oy);
+        EXPECT_DOUBLE_EQ(dark["diameterUm"].toDouble(), 3.0);
+        EXPECT_NEAR(dark["radiusPx"].toDouble(), 2.928, 0.001);
+        EXPECT_DOUBLE_EQ(dark["contrast"].toDouble(), 40.0);
+        EXPECT_FALSE(dark["bright"].toBool());
+        EXPECT_TRUE(bright["bright"].toBool());
 
-    const QJsonArray scratches = truth["scratches"].toArray();
-    ASSERT_EQ(scratches.size(), 1);
-    const QJsonObject scratch = scratches[0].toObject();
-    EXPECT_DOUBLE_EQ(scratch["x1"].toDouble(), 600.0);
-    EXPECT_DOUBLE_EQ(scratch["y2"].toDouble(), 420.0);
-    EXPECT_NEAR(scratch["widthPx"].toDouble(), 2.928, 0.001);
-    EXPECT_DOUBLE_EQ(scratch["widthUm"].toDouble(), 1.5);
-    EXPECT_TRUE(scratch["bright"].toBool());
-}
-
-TEST(GroundTruth, PositionsAreShiftedIntoARegionsOwnCoordinates) {
-    const QJsonObject truth = parsed(sim::groundTruthJson(sceneWithDefects(), 331, 107));
-    EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 811.25 - 331);
-    EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 587.5 - 107);
-    EXPECT_DOUBLE_EQ(truth["spots"].toArray()[0].toObject()["x"].toDouble(), 700.5 - 331);
-    EXPECT_DOUBLE_EQ(truth["scratches"].toArray()[0].toObject()["y1"].toDouble(), 400.0 - 107);
-    EXPECT_NEAR(truth["claddingRadiusPx"].toDouble(), 122.0, 0.05);  // sizes stay
+        const QJsonArray scratches = truth["scratches"].toArray();
+        ASSERT_EQ(scratches.size(), 1);
+        const QJsonObject scratch = scratches[0].toObject();
+        EXPECT_DOUBLE_EQ(scratch["x1"].toDouble(), 600.0 - ox);
+        EXPECT_DOUBLE_EQ(scratch["y1"].toDouble(), 400.0 - oy);
+        EXPECT_DOUBLE_EQ(scratch["y2"].toDouble(), 420.0 - oy);
+        EXPECT_NEAR(scratch["widthPx"].toDouble(), 2.928, 0.001);
+        EXPECT_DOUBLE_EQ(scratch["widthUm"].toDouble(), 1.5);
+        EXPECT_TRUE(scratch["bright"].toBool());
+    }
 }
 
 TEST(SpotAtRadius, PlacesTheSpotAtItsDistanceAndDirectionFromTheFiber) {

@@ -29,10 +29,10 @@ ToolRun runTool(const QStringList& arguments) {
     return {tool.exitCode(), QString::fromLocal8Bit(tool.readAllStandardError())};
 }
 
-QJsonObject readTruth(const QString& path) {
+QByteArray contents(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return QJsonDocument::fromJson(file.readAll()).object();
+    return file.readAll();
 }
 
 sim::EndFaceScene toolScene() {
@@ -50,61 +50,48 @@ sim::EndFaceScene toolScene() {
     return scene;
 }
 
+// The command line of toolScene().
 QStringList toolSceneArguments() {
-    return {"--seed",     "9",
-            "--center",   "700.5,650.25",
-            "--core",     "50",
-            "--blur",     "1.5",
-            "--noise",    "2",
-            "--exposure", "0.9",
-            "--spot",     "500,400,5,30,bright",
-            "--spot-at",  "40,45,3,50",
-            "--scratch",  "100,100,300,200,1,20"};
+    return QString(
+               "--seed 9 --center 700.5,650.25 --core 50 --blur 1.5 --noise 2 --exposure 0.9 "
+               "--spot 500,400,5,30,bright --spot-at 40,45,3,50 --scratch 100,100,300,200,1,20")
+        .split(' ');
 }
 
 }  // namespace
 
-TEST(RenderTool, WritesTheRawFrameAndItsTruth) {
+TEST(RenderTool, WritesTheFrameOrARegionAroundAPointWithItsTruth) {
     TempRoot root;
-    const QString output = root.file("frame.raw");
-    const ToolRun run = runTool(toolSceneArguments() +
-                                QStringList{"--root", root.path(), "--format", "raw", output});
+    const QString raw = root.file("frame.raw"), region = root.file("region.png");
+    ToolRun run =
+        runTool(toolSceneArguments() + QStringList{"--root", root.path(), "--format", "raw", raw});
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
-
-    QFile file(output);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = contents(raw);
     ASSERT_EQ(bytes.size(), 3840000);
     const RenderedWindow expected(toolScene());
     for (size_t i = 0; i < expected.raw.size(); ++i) {
         const int value = uint8_t(bytes[int(2 * i)]) | uint8_t(bytes[int(2 * i + 1)]) << 8;
         ASSERT_EQ(value, expected.raw[i]) << i;
     }
-    const QJsonObject truth = readTruth(output + ".json");
+    QJsonObject truth = QJsonDocument::fromJson(contents(raw + ".json")).object();
     EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5);
     EXPECT_EQ(truth["spots"].toArray().size(), 2);
-}
 
-TEST(RenderTool, WritesARegionAroundAPointWithTruthInItsCoordinates) {
-    TempRoot root;
-    const QString output = root.file("region.png");
-    const ToolRun run = runTool(toolSceneArguments() + QStringList{"--region", "650,600", output});
+    // A 960 x 960 region centered on (650, 600), its truth in the region's coordinates.
+    run = runTool(toolSceneArguments() + QStringList{"--region", "650,600", region});
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
-
-    const cv::Mat picture = cv::imread(output.toStdString(), cv::IMREAD_UNCHANGED);
+    const cv::Mat picture = cv::imread(region.toStdString(), cv::IMREAD_UNCHANGED);
     ASSERT_EQ(picture.type(), CV_8UC1);
-    ASSERT_EQ(picture.cols, 960);
-    ASSERT_EQ(picture.rows, 960);
-    std::vector<uint8_t> expected(960 * 960);
-    ASSERT_EQ(sim::renderGray(toolScene(), 170, 120, 960, 960, expected.data()), 1);
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), picture.data));
-
-    const QJsonObject truth = readTruth(output + ".json");
+    ASSERT_EQ(picture.size(), cv::Size(960, 960));
+    std::vector<uint8_t> gray(960 * 960);
+    ASSERT_EQ(sim::renderGray(toolScene(), 170, 120, 960, 960, gray.data()), 1);
+    EXPECT_TRUE(std::equal(gray.begin(), gray.end(), picture.data));
+    truth = QJsonDocument::fromJson(contents(region + ".json")).object();
     EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5 - 170);
     EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 650.25 - 120);
 }
 
-TEST(RenderTool, BadCommandLinesExitWithStatusTwoAndSayWhy) {
+TEST(RenderTool, BadCommandLinesExitWithStatusTwoAndSayWhyButHelpIsNoError) {
     TempRoot root;
     const QString out = root.file("x.png");
     const QList<QStringList> bad = {
@@ -126,8 +113,5 @@ TEST(RenderTool, BadCommandLinesExitWithStatusTwoAndSayWhy) {
         EXPECT_TRUE(run.errors.startsWith("lumaspecter-render: ")) << run.errors.toStdString();
     }
     EXPECT_FALSE(QFile::exists(out));
-}
-
-TEST(RenderTool, HelpIsNotAnError) {
     EXPECT_EQ(runTool({"--help"}).status, 0);
 }

@@ -70,6 +70,13 @@ TEST(FrameLoader, GrayPicturesAreWidenedToTenBits) {
     }
 }
 
+// Pictures are written as PNG bytes so that the test can see that they are left as they were.
+QByteArray png(const cv::Mat& picture) {
+    std::vector<uchar> bytes;
+    EXPECT_TRUE(cv::imencode(".png", picture, bytes));
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), int(bytes.size()));
+}
+
 TEST(FrameLoader, BadFramesAreRefusedWithTheirReasonAndLeftAsTheyWere) {
     TempRoot root;
     struct Case {
@@ -80,40 +87,27 @@ TEST(FrameLoader, BadFramesAreRefusedWithTheirReasonAndLeftAsTheyWere) {
     QByteArray above10Bits = rawFrameBytes([](int i) { return uint16_t(i == 1605 ? 1024 : 5); });
     const Case cases[] = {
         {"empty.raw", QByteArray(), "truncated raw frame: 0 of 3840000 bytes"},
-        {"short.raw", QByteArray(3839999, '\1'), "truncated raw frame: 3839999 of 3840000"},
-        {"long.raw", QByteArray(3840001, '\1'), "not a raw frame or picture: 3840001 bytes"},
+        {"short.raw", QByteArray(3839999, '\1'), "truncated raw frame: 3839999 of 3840000 bytes"},
+        {"long.raw", QByteArray(3840001, '\1'),
+         "not a raw frame or picture: 3840001 bytes, a raw frame has 3840000"},
         {"wide.raw", above10Bits, "not a 10-bit raw frame: sample at (5, 1) is 1024"},
         {"broken.png", QByteArray("\x89PNG\r\n\x1a\n garbage", 17), "not a readable picture"},
+        {"small.png", png(cv::Mat(600, 800, CV_8UC1, cv::Scalar(9))),
+         "picture is 800 x 600, expected 1600 x 1200"},
+        {"color.png", png(cv::Mat(1200, 1600, CV_8UC3, cv::Scalar(1, 2, 3))),
+         "not an 8-bit grayscale picture: 3 x 8-bit samples per pixel"},
+        {"deep.png", png(cv::Mat(1200, 1600, CV_16UC1, cv::Scalar(1000))),
+         "not an 8-bit grayscale picture: 1 x 16-bit samples per pixel"},
     };
     for (const Case& c : cases) {
         writeAll(root.file(c.name), c.bytes);
         const Load bad = load(root.file(c.name));
         EXPECT_EQ(bad.code, -1) << c.name;
-        EXPECT_TRUE(bad.error.startsWith(c.reason)) << c.name << ": " << bad.error.toStdString();
+        EXPECT_EQ(bad.error, c.reason) << c.name << ": " << bad.error.toStdString();
         EXPECT_EQ(readAll(root.file(c.name)), c.bytes) << c.name;
     }
-}
-
-TEST(FrameLoader, PicturesOfAnotherKindOrSizeAreRefused) {
-    TempRoot root;
-    const std::string small = root.file("small.png").toStdString();
-    ASSERT_TRUE(cv::imwrite(small, cv::Mat(600, 800, CV_8UC1, cv::Scalar(9))));
-    EXPECT_EQ(load(root.file("small.png")).error, "picture is 800 x 600, expected 1600 x 1200");
-
-    const std::string color = root.file("color.png").toStdString();
-    ASSERT_TRUE(cv::imwrite(color, cv::Mat(1200, 1600, CV_8UC3, cv::Scalar(1, 2, 3))));
-    EXPECT_EQ(load(root.file("color.png")).error,
-              "not an 8-bit grayscale picture: 3 x 8-bit samples per pixel");
-
-    const std::string deep = root.file("deep.png").toStdString();
-    ASSERT_TRUE(cv::imwrite(deep, cv::Mat(1200, 1600, CV_16UC1, cv::Scalar(1000))));
-    EXPECT_EQ(load(root.file("deep.png")).error,
-              "not an 8-bit grayscale picture: 1 x 16-bit samples per pixel");
-}
-
-TEST(FrameLoader, MissingFilesAndFoldersAreRefused) {
-    TempRoot root;
     EXPECT_EQ(load(root.file("nothing.raw")).error, "no such file");
     ASSERT_TRUE(QDir().mkpath(root.file("folder")));
+    EXPECT_EQ(load(root.file("folder")).code, -1);
     EXPECT_EQ(load(root.file("folder")).error, "is a folder");
 }
