@@ -10,13 +10,9 @@
 #include "taskjson.h"
 #include "tasklist.h"
 #include "temproot.h"
+#include "testfiles.h"
 
 namespace {
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 ino_t inodeOf(const QString& path) {
     struct stat info {};
@@ -56,7 +52,7 @@ TEST_F(SettingsFile, FactoryRestorePutsBothFactoryFilesBack) {
     ASSERT_TRUE(store.restoreFactorySettings());
     QFile factoryTasks(":/conf/taskinfo.conf");
     ASSERT_TRUE(factoryTasks.open(QIODevice::ReadOnly));
-    EXPECT_EQ(readAll(taskFilePath()), factoryTasks.readAll());
+    EXPECT_EQ(fileContents(taskFilePath()), factoryTasks.readAll());
     TaskList restored;
     ASSERT_EQ(restored.readTaskListFromJsonFile(), 0);
     ASSERT_FALSE(restored.tasks().isEmpty());
@@ -82,7 +78,7 @@ TEST_F(SettingsFile, AWriteReachesTheFileAtOnceAndReplacesItWhole) {
     const SettingsStore reread;
     EXPECT_EQ(reread.intValue(SettingsStore::kLcdBrightness), 70);
     EXPECT_EQ(reread.textValue(SettingsStore::kSnText), "X-17");
-    EXPECT_TRUE(readAll(settingsFilePath()).startsWith("[General]"));
+    EXPECT_TRUE(fileContents(settingsFilePath()).startsWith("[General]"));
 }
 
 TEST_F(SettingsFile, TheConnectorIdAdvancesInTheFile) {

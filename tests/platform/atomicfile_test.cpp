@@ -9,18 +9,14 @@
 #include <csignal>
 
 #include "temproot.h"
-
-static QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+#include "testfiles.h"
 
 TEST(AtomicFile, ReplacesTheContentsAndLeavesNoTemporaryFile) {
     TempRoot root;
     const QString path = root.file("data.json");
     ASSERT_TRUE(writeFileAtomically(path, "first"));
     ASSERT_TRUE(writeFileAtomically(path, "second, longer"));
-    EXPECT_EQ(readAll(path), "second, longer");
+    EXPECT_EQ(fileContents(path), "second, longer");
     EXPECT_EQ(QDir(root.path()).entryList(QDir::Files), QStringList({"data.json"}));
 }
 
@@ -50,7 +46,7 @@ TEST(AtomicFile, AWriterKilledMidWriteLeavesAWholeFile) {
         usleep(20000 + 7000 * attempt);
         kill(writer, SIGKILL);
         waitpid(writer, nullptr, 0);
-        const QByteArray found = readAll(path);
+        const QByteArray found = fileContents(path);
         EXPECT_TRUE(found == a || found == b) << "attempt " << attempt << ": " << found.size();
     }
 }

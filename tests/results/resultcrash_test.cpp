@@ -11,6 +11,7 @@
 #include "resultfiles.h"
 #include "resultsample.h"
 #include "temproot.h"
+#include "testfiles.h"
 #include "workbookreader.h"
 #include "xlsxworkbook.h"
 

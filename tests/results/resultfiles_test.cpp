@@ -10,6 +10,7 @@
 
 #include "resultsample.h"
 #include "temproot.h"
+#include "testfiles.h"
 #include "workbookreader.h"
 
 namespace {

@@ -12,6 +12,7 @@
 #include "cellref.h"
 #include "resultlayout.h"
 #include "temproot.h"
+#include "testfiles.h"
 #include "workbookreader.h"
 
 using namespace resultlayout;

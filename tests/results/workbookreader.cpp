@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -61,16 +60,6 @@ bool editLikeAUser(const QString& path, const QString& noteCell, const QString& 
         "edit_template.py",
         logo.isEmpty() ? QStringList{path, noteCell} : QStringList{path, noteCell, "--logo", logo},
         output);
-}
-
-QByteArray fileContents(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 void PrintTo(const QString& text, std::ostream* stream) {

@@ -26,9 +26,5 @@ bool editLikeAUser(const QString& path, const QString& noteCell, const QString& 
 // The rows in the order the sheet part lists them (its "rowOrder").
 QList<int> rowOrder(const QJsonObject& workbook);
 
-// A file's bytes ("" when it cannot be read), and writing them.
-QByteArray fileContents(const QString& path);
-bool writeFile(const QString& path, const QByteArray& bytes);
-
 // Lets GoogleTest print texts in failure messages.
 void PrintTo(const QString& text, std::ostream* stream);

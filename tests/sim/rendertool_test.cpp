@@ -12,6 +12,7 @@
 
 #include "rendertesting.h"
 #include "temproot.h"
+#include "testfiles.h"
 
 namespace {
 
@@ -27,12 +28,6 @@ ToolRun runTool(const QStringList& arguments) {
         return {-1, "did not finish"};
     }
     return {tool.exitCode(), QString::fromLocal8Bit(tool.readAllStandardError())};
-}
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
 }
 
 sim::EndFaceScene toolScene() {
@@ -66,14 +61,14 @@ TEST(RenderTool, WritesTheFrameOrARegionAroundAPointWithItsTruth) {
     ToolRun run =
         runTool(toolSceneArguments() + QStringList{"--root", root.path(), "--format", "raw", raw});
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
-    const QByteArray bytes = contents(raw);
+    const QByteArray bytes = fileContents(raw);
     ASSERT_EQ(bytes.size(), 3840000);
     const RenderedWindow expected(toolScene());
     for (size_t i = 0; i < expected.raw.size(); ++i) {
         const int value = uint8_t(bytes[int(2 * i)]) | uint8_t(bytes[int(2 * i + 1)]) << 8;
         ASSERT_EQ(value, expected.raw[i]) << i;
     }
-    QJsonObject truth = QJsonDocument::fromJson(contents(raw + ".json")).object();
+    QJsonObject truth = QJsonDocument::fromJson(fileContents(raw + ".json")).object();
     EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5);
     EXPECT_EQ(truth["spots"].toArray().size(), 2);
 
@@ -86,7 +81,7 @@ TEST(RenderTool, WritesTheFrameOrARegionAroundAPointWithItsTruth) {
     std::vector<uint8_t> gray(960 * 960);
     ASSERT_EQ(sim::renderGray(toolScene(), 170, 120, 960, 960, gray.data()), 1);
     EXPECT_TRUE(std::equal(gray.begin(), gray.end(), picture.data));
-    truth = QJsonDocument::fromJson(contents(region + ".json")).object();
+    truth = QJsonDocument::fromJson(fileContents(region + ".json")).object();
     EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5 - 170);
     EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 650.25 - 120);
 }

@@ -3,23 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <opencv2/imgcodecs.hpp>
 
 #include "temproot.h"
+#include "testfiles.h"
 
 namespace {
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeAll(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
 
 QByteArray rawFrameBytes(uint16_t (*sampleAt)(int index)) {
     QByteArray bytes(int(kRawFrameBytes), '\0');
@@ -47,7 +36,8 @@ Load load(const QString& path) {
 
 TEST(FrameLoader, RawFramesAreLittleEndianTenBitWords) {
     TempRoot root;
-    writeAll(root.file("frame.raw"), rawFrameBytes([](int i) { return uint16_t(i % 1024); }));
+    ASSERT_TRUE(
+        writeFile(root.file("frame.raw"), rawFrameBytes([](int i) { return uint16_t(i % 1024); })));
     const Load raw = load(root.file("frame.raw"));
     ASSERT_EQ(raw.code, 1) << raw.error.toStdString();
     ASSERT_EQ(raw.frame.size(), size_t(kRawFrameWidth) * kRawFrameHeight);
@@ -100,11 +90,11 @@ TEST(FrameLoader, BadFramesAreRefusedWithTheirReasonAndLeftAsTheyWere) {
          "not an 8-bit grayscale picture: 1 x 16-bit samples per pixel"},
     };
     for (const Case& c : cases) {
-        writeAll(root.file(c.name), c.bytes);
+        ASSERT_TRUE(writeFile(root.file(c.name), c.bytes));
         const Load bad = load(root.file(c.name));
         EXPECT_EQ(bad.code, -1) << c.name;
         EXPECT_EQ(bad.error, c.reason) << c.name << ": " << bad.error.toStdString();
-        EXPECT_EQ(readAll(root.file(c.name)), c.bytes) << c.name;
+        EXPECT_EQ(fileContents(root.file(c.name)), c.bytes) << c.name;
     }
     EXPECT_EQ(load(root.file("nothing.raw")).error, "no such file");
     ASSERT_TRUE(QDir().mkpath(root.file("folder")));

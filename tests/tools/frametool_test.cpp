@@ -14,6 +14,7 @@
 
 #include "endfacerenderer.h"
 #include "temproot.h"
+#include "testfiles.h"
 
 namespace {
 
@@ -35,16 +36,11 @@ ToolRun inspect(const QStringList& arguments) {
     return run;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
 void writeRawFrame(const QString& path, const sim::EndFaceScene& scene) {
     std::vector<uint16_t> frame(size_t(sim::kFrameWidth) * sim::kFrameHeight);
     ASSERT_EQ(sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, frame.data()), 1);
-    writeFile(path, QByteArray(reinterpret_cast<const char*>(frame.data()), int(frame.size() * 2)));
+    ASSERT_TRUE(writeFile(
+        path, QByteArray(reinterpret_cast<const char*>(frame.data()), int(frame.size() * 2))));
 }
 
 QJsonObject parse(const QByteArray& line) {
@@ -67,7 +63,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     dirty.spots.push_back(sim::spotAtRadius(dirty, 30.0, 20.0, 12.0, 60.0));
     dirty.scratches.push_back({700, 450, 900, 760, 3.0, 40.0, false});
     writeRawFrame(root.file("dirty.raw"), dirty);
-    writeFile(root.file("flat.raw"), QByteArray(3840000, '\0'));
+    ASSERT_TRUE(writeFile(root.file("flat.raw"), QByteArray(3840000, '\0')));
     const QStringList frames = {root.file("a.raw"), root.file("b.raw"), root.file("dirty.raw"),
                                 root.file("flat.raw")};
 
@@ -162,7 +158,7 @@ TEST(InspectTool, AnUnknownTaskABrokenSensorMaskOrNoFrameIsRefused) {
     TempRoot root;
     writeRawFrame(root.file("a.raw"), sim::EndFaceScene());
     ASSERT_TRUE(QDir().mkpath(root.file("etc")));
-    writeFile(root.file("etc/ccd_mask.dat"), QByteArray(1000, '\0'));
+    ASSERT_TRUE(writeFile(root.file("etc/ccd_mask.dat"), QByteArray(1000, '\0')));
     const struct {
         QStringList arguments;
         const char* reason;
@@ -184,7 +180,7 @@ TEST(InspectTool, AnUnknownTaskABrokenSensorMaskOrNoFrameIsRefused) {
 TEST(InspectTool, BadFramesAreNamedOnStderrAndTheOthersStillInspected) {
     TempRoot root;
     writeRawFrame(root.file("good.raw"), sim::EndFaceScene());
-    writeFile(root.file("truncated.raw"), QByteArray(1000, '\0'));
+    ASSERT_TRUE(writeFile(root.file("truncated.raw"), QByteArray(1000, '\0')));
 
     const ToolRun run = inspect(
         {"--json", root.file("truncated.raw"), root.file("missing.png"), root.file("good.raw")});
