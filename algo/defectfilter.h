@@ -1,7 +1,7 @@
 #pragma once
 
 #include "defectinfo.h"
-#include "taskinfo.h"
+#include "taskrecords.h"
 
 // Grades the defects: each gets its size class from its zone's two size limits and is counted
 // into that zone's results with its area; then every zone of the task gets its three defect

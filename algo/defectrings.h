@@ -1,6 +1,6 @@
 #pragma once
 
-#include "taskinfo.h"
+#include "taskrecords.h"
 
 // The rings in which defects are searched: each zone with defect checking on, cut by the
 // excluded diameter bands (around the core edge and the cladding edge, where the fiber's own

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "defectinfo.h"
-#include "taskinfo.h"
+#include "taskrecords.h"
 
 // Defect (spot) detection in a gray image of the end face around a fiber center:
 // every zone of the task with defect checking on becomes rings cut by the excluded bands

@@ -4,7 +4,7 @@
 
 #include "defectinfo.h"
 #include "scratchrecord.h"
-#include "taskinfo.h"
+#include "taskrecords.h"
 
 // Scratch detection on a single fiber's end face. The zones with scratch checking on, less
 // the excluded ranges (pairs of inner and outer diameters, um: the cladding edge), are searched

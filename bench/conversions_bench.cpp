@@ -14,9 +14,7 @@
 
 namespace {
 
-constexpr unsigned kFrameWidth = kSensorLineSamples;
-constexpr unsigned kFrameHeight = 1200;
-constexpr std::size_t kFrameSamples = std::size_t(kFrameWidth) * kFrameHeight;
+constexpr std::size_t kFrameSamples = std::size_t(kSensorWidth) * kSensorHeight;
 constexpr std::size_t kFrameBytes = kFrameSamples * sizeof(uint16_t);
 
 // Random 10-bit samples with a fixed seed: content the compiler cannot guess, and the same
@@ -45,7 +43,8 @@ void runConversion(benchmark::State& state, Conversion<Out> convert, std::size_t
     const std::vector<uint16_t>& src = frame();
     std::vector<Out> dst(dstBytes / sizeof(Out), Out(128));
     for (auto _ : state) {
-        convert(src.data(), dst.data(), kFrameWidth, kFrameHeight, 0, 0, kFrameWidth, kFrameHeight);
+        convert(src.data(), dst.data(), kSensorWidth, kSensorHeight, 0, 0, kSensorWidth,
+                kSensorHeight);
         benchmark::DoNotOptimize(dst.data());
         benchmark::ClobberMemory();
     }
@@ -55,7 +54,7 @@ void runConversion(benchmark::State& state, Conversion<Out> convert, std::size_t
 constexpr std::size_t kGrayBytes = kFrameSamples;
 constexpr std::size_t kHalfGrayBytes = kFrameSamples / 4;
 constexpr std::size_t kUyvyBytes = 2 * kFrameSamples;
-constexpr std::size_t kHalfUyvyBytes = std::size_t(kFrameWidth) * kFrameHeight / 2;
+constexpr std::size_t kHalfUyvyBytes = std::size_t(kSensorWidth) * kSensorHeight / 2;
 
 void BM_Y8(benchmark::State& state) {
     runConversion<uint8_t>(state, convert_y10bit_to_y8bit, kGrayBytes);

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int kRegion = 960;
-constexpr float kScale = 0.5122950673103333f;
+constexpr float kScale = kUmPerPixel;
 
 struct Measurement {
     std::vector<unsigned char> gray = std::vector<unsigned char>(kRegion * kRegion);

@@ -89,7 +89,7 @@ void BM_FindSectionScratch(benchmark::State& state) {
     for (auto _ : state) {
         TaskInfoSetting task = firstTask;
         FindSectionScratch(r.gray.data(), kRegion, kRegion, scratches.data(), zones.data(), 200,
-                           count, task, 0.5122950673103333f, kRegion / 2, kRegion / 2, 125.0, 125.0,
+                           count, task, float(kUmPerPixel), kRegion / 2, kRegion / 2, 125.0, 125.0,
                            claddingEdge, 1, nullptr, 0);
     }
     state.counters["scratches"] = count;

@@ -12,7 +12,7 @@
 namespace {
 
 struct RenderedFrame {
-    std::vector<uint16_t> raw = std::vector<uint16_t>(size_t(sim::kFrameWidth) * sim::kFrameHeight);
+    std::vector<uint16_t> raw = std::vector<uint16_t>(size_t(kSensorWidth) * kSensorHeight);
     std::vector<unsigned char> gray = std::vector<unsigned char>(raw.size());
 
     RenderedFrame() {
@@ -20,9 +20,9 @@ struct RenderedFrame {
         scene.centerX = 811.3;
         scene.centerY = 587.6;
         scene.spots.push_back(sim::spotAtRadius(scene, 30.0, 40.0, 5.0, 30.0));
-        sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, raw.data());
-        convert_y10bit_to_y8bit(raw.data(), gray.data(), sim::kFrameWidth, sim::kFrameHeight, 0, 0,
-                                sim::kFrameWidth, sim::kFrameHeight);
+        sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, raw.data());
+        convert_y10bit_to_y8bit(raw.data(), gray.data(), kSensorWidth, kSensorHeight, 0, 0,
+                                kSensorWidth, kSensorHeight);
     }
 };
 
@@ -35,9 +35,8 @@ void BM_SearchSingleFiber(benchmark::State& state) {
     CaptureThread capture;
     unsigned x, y, rawX, rawY;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(capture.searchSingleFiber(frame().raw.data(), sim::kFrameWidth,
-                                                           sim::kFrameHeight, x, y, rawX, rawY, 960,
-                                                           960, true));
+        benchmark::DoNotOptimize(capture.searchSingleFiber(
+            frame().raw.data(), kSensorWidth, kSensorHeight, x, y, rawX, rawY, 960, 960, true));
     }
 }
 BENCHMARK(BM_SearchSingleFiber)->Unit(benchmark::kMillisecond);
@@ -46,16 +45,16 @@ void BM_CoarseSearchQuarterScale(benchmark::State& state) {
     CaptureThread capture;
     unsigned x, y;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(frame().gray.data(), sim::kFrameWidth,
-                                                             sim::kFrameHeight, 0.25, 0, 0, x, y));
+        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(frame().gray.data(), kSensorWidth,
+                                                             kSensorHeight, 0.25, 0, 0, x, y));
     }
 }
 BENCHMARK(BM_CoarseSearchQuarterScale)->Unit(benchmark::kMillisecond);
 
 void BM_Refinement(benchmark::State& state) {
     std::vector<unsigned char> crop(320 * 320);
-    convert_y10bit_to_y8bit(frame().raw.data(), crop.data(), sim::kFrameWidth, sim::kFrameHeight,
-                            811 - 160, 587 - 160, 320, 320);
+    convert_y10bit_to_y8bit(frame().raw.data(), crop.data(), kSensorWidth, kSensorHeight, 811 - 160,
+                            587 - 160, 320, 320);
     for (auto _ : state) {
         int x = 160, y = 160, r = 122;
         benchmark::DoNotOptimize(AlgGetFiberCenterXY(crop.data(), 320, 320, 122, x, y, r));

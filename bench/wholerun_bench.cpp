@@ -29,8 +29,8 @@ InspectionInput renderedFrame(uint32_t seed) {
                                scene.centerY + 90, 2.5, 30.0});
     InspectionInput input;
     input.path = QString("frame-%1").arg(seed);
-    input.frame.resize(size_t(sim::kFrameWidth) * sim::kFrameHeight);
-    sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, input.frame.data());
+    input.frame.resize(size_t(kSensorWidth) * kSensorHeight);
+    sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, input.frame.data());
     return input;
 }
 

@@ -12,7 +12,6 @@ namespace {
 // whole crop lies inside the frame.
 constexpr unsigned kRefineCrop = 320;
 constexpr unsigned kRefineMargin = kRefineCrop / 2;
-constexpr int kFiberRadiusPx = 122;  // 125 um cladding at the instrument's scale
 
 // Keeps a window of `window` pixels around `center` inside a frame of `size` pixels.
 unsigned clampToWindow(unsigned center, unsigned size, unsigned window) {
@@ -87,10 +86,10 @@ int CaptureThread::searchSingleFiber(const uint16_t* frame10, unsigned width, un
     if (refine && insideRefineMargin(x, y, width, height)) {
         convert_y10bit_to_y8bit(frame10, gray, width, height, x - kRefineMargin, y - kRefineMargin,
                                 kRefineCrop, kRefineCrop);
-        int cx = kRefineMargin, cy = kRefineMargin, r = kFiberRadiusPx;
+        int cx = kRefineMargin, cy = kRefineMargin, r = kCladdingRadiusPx;
         // Whatever center the refinement leaves is used: the fitted one, the blob's, or the
         // crop's own center when it found nothing, which keeps the coarse center.
-        AlgGetFiberCenterXY(gray, kRefineCrop, kRefineCrop, kFiberRadiusPx, cx, cy, r);
+        AlgGetFiberCenterXY(gray, kRefineCrop, kRefineCrop, kCladdingRadiusPx, cx, cy, r);
         x += cx - static_cast<int>(kRefineMargin);
         y += cy - static_cast<int>(kRefineMargin);
         rawX = x;

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "instrumentoptics.h"
+
 // The thread that owns the camera. Each frame is converted to 8-bit gray in the thread's own
 // work buffer and used as the current work mode asks: live view, fiber search, capture for
 // measurement, sharpness sampling.
@@ -11,8 +13,8 @@ class CaptureThread : public QThread {
     Q_OBJECT
 
 public:
-    // Bytes of the 8-bit work buffer: one whole 1600 x 1200 frame.
-    static constexpr unsigned kGrayBufferSize = 1600 * 1200;
+    // Bytes of the 8-bit work buffer: one whole frame.
+    static constexpr unsigned kGrayBufferSize = kSensorPixels;
 
     explicit CaptureThread(QObject* parent = nullptr);
     ~CaptureThread() override;

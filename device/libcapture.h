@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "instrumentoptics.h"
+
 // Frame conversions of the capture layer. A raw frame holds one little-endian 16-bit word per
 // sensor sample with a 10-bit gray value in its low bits; its line length is the sensor's
 // 1600 samples. S(x, y) below is the sample src[y * srcWidth + x].
@@ -17,7 +19,7 @@
 // Line length of the sensor in samples; the 2 x 2 conversions always find the lower row of a
 // block this far after the upper one, whatever srcWidth is, and use srcWidth only to step from
 // one pair of rows to the next (2 * srcWidth samples).
-constexpr unsigned kSensorLineSamples = 1600;
+constexpr unsigned kSensorLineSamples = kSensorWidth;
 
 // Gray w x h, stride w: D(i, j) = S(x0 + i, y0 + j) >> 2.
 int convert_y10bit_to_y8bit(const uint16_t* src, uint8_t* dst, unsigned srcWidth,

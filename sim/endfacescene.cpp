@@ -47,7 +47,7 @@ double orDefault(double level, double fallback) {
 }  // namespace
 
 double micronsToPixels(double microns) {
-    return microns / kMicronsPerPixel;
+    return microns / kUmPerPixel;
 }
 
 Spot spotAtRadius(const EndFaceScene& scene, double radiusUm, double angleDeg, double diameterUm,

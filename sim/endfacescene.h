@@ -4,16 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "instrumentoptics.h"
+
 // A synthetic fiber end face as the instrument's camera sees it, for tests, benchmarks, the
 // simulated camera and demos. A scene is pure data; the renderer turns it into 10-bit frames.
 // Positions are frame pixels of the 1600 x 1200 sensor (the middle of pixel (x, y) is at (x, y)),
 // sizes are micrometres on the end face, contrasts are 8-bit gray levels (one 8-bit level is
 // four 10-bit levels).
 namespace sim {
-
-constexpr int kFrameWidth = 1600;
-constexpr int kFrameHeight = 1200;
-constexpr double kMicronsPerPixel = 0.5122950673103333;
 
 // The blur the renderer accepts at most; it bounds how far a pixel's neighbours reach.
 constexpr double kMaxBlurSigmaPx = 20.0;

@@ -29,7 +29,7 @@ QJsonObject fiberTruth(const EndFaceScene& scene, int originX, int originY) {
             {"coreRadiusPx", micronsToPixels(scene.coreDiameterUm) / 2},
             {"claddingDiameterUm", scene.claddingDiameterUm},
             {"coreDiameterUm", scene.coreDiameterUm},
-            {"umPerPixel", kMicronsPerPixel},
+            {"umPerPixel", kUmPerPixel},
             {"ferruleLevel", levels.ferrule},
             {"claddingLevel", levels.cladding},
             {"coreLevel", levels.core}};

@@ -25,8 +25,8 @@ public:
     }
 
 private:
-    static constexpr double kMiddleX = (kFrameWidth - 1) / 2.0;
-    static constexpr double kMiddleY = (kFrameHeight - 1) / 2.0;
+    static constexpr double kMiddleX = (kSensorWidth - 1) / 2.0;
+    static constexpr double kMiddleY = (kSensorHeight - 1) / 2.0;
     double falloff_;
 };
 

@@ -15,12 +15,11 @@ namespace {
 
 // Excluded diameter bands of the defect search (um): the cladding edge, and for a multimode
 // fiber the core edge too, where the fiber's own boundary must not count as a defect.
-const int kSingleModeBands[] = {110, 135};
-const int kMultiModeBands[] = {48, 60, 110, 135};
+const int kSingleModeBands[] = {kCladdingBandMinUm, kCladdingBandMaxUm};
+const int kMultiModeBands[] = {48, 60, kCladdingBandMinUm, kCladdingBandMaxUm};
 
 // The scratch search's inspection circle and its excluded range, the cladding edge (um).
-constexpr double kCladdingDiameter = 125.0;
-const double kScratchExcludedRange[] = {110.0, 135.0};
+const double kScratchExcludedRange[] = {kCladdingBandMinUm, kCladdingBandMaxUm};
 
 double elapsedMs(const QElapsedTimer& timer) {
     return timer.nsecsElapsed() / 1e6;
@@ -144,7 +143,7 @@ void MeasureSingleFiberThread::detectDefects() {
 
 void MeasureSingleFiberThread::detectScratches() {
     // The search reaches out to the largest zone that checks scratches, the cladding at least.
-    double outerDiameter = kCladdingDiameter;
+    double outerDiameter = kCladdingDiameterUm;
     for (int z = 0; z < zonesInUse(task_); ++z) {
         if (task_.sections[z].sCheck != 0 && task_.sections[z].diameterMax > outerDiameter) {
             outerDiameter = task_.sections[z].diameterMax;
@@ -152,7 +151,7 @@ void MeasureSingleFiberThread::detectScratches() {
     }
     scratchCount_ = FindSectionScratch(
         image_, width_, height_, scratches_.data(), scratchZones_.data(), kMaxScratches,
-        scratchCount_, task_, float(scale_), centerX_, centerY_, outerDiameter, kCladdingDiameter,
+        scratchCount_, task_, float(scale_), centerX_, centerY_, outerDiameter, kCladdingDiameterUm,
         kScratchExcludedRange, 1, defectList_.data(), 0);
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "defectinfo.h"
+#include "instrumentoptics.h"
 #include "scratchrecord.h"
 #include "taskinfo.h"
 
@@ -22,8 +23,8 @@ class MeasureSingleFiberThread : public QThread {
 public:
     static constexpr int kMaxDefects = 500;
     static constexpr int kMaxScratches = 200;
-    static constexpr int kMaxRegionPixels = 1600 * 1200;
-    static constexpr int kMaskLineLength = 1600;  // the sensor mask covers the whole frame
+    static constexpr int kMaxRegionPixels = kSensorPixels;
+    static constexpr int kMaskLineLength = kSensorWidth;  // the sensor mask covers the whole frame
 
     // How long the run's stages took, milliseconds.
     struct StageTimes {

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int kRegion = 960;
-constexpr float kScale = 0.5122950673103333f;
+constexpr float kScale = kUmPerPixel;
 
 struct Region {
     sim::EndFaceScene scene;

@@ -96,9 +96,9 @@ TEST(DefectRings, ThresholdsFollowTheZonesPositionAndTheTaskKind) {
 }
 
 TEST(DefectRings, DiametersBecomeTruncatedPixelRadii) {
-    EXPECT_EQ(ringRadiusPx(25, 0.5122950673103333f), 24);
-    EXPECT_EQ(ringRadiusPx(110, 0.5122950673103333f), 107);
-    EXPECT_EQ(ringRadiusPx(250, 0.5122950673103333f), 244) << "488.00001 / 2";
+    EXPECT_EQ(ringRadiusPx(25, float(kUmPerPixel)), 24);
+    EXPECT_EQ(ringRadiusPx(110, float(kUmPerPixel)), 107);
+    EXPECT_EQ(ringRadiusPx(250, float(kUmPerPixel)), 244) << "488.00001 / 2";
 }
 
 TEST(DefectMap, OneDarkPixelMarksAPlusShapedGroup) {

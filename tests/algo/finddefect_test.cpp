@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kSize = 200;
 constexpr int kCenter = 100;
-constexpr float kScale = 0.5122950673103333f;
+constexpr float kScale = kUmPerPixel;
 const std::vector<int> kSingleModeBands = {110, 135};
 
 // One zone 0-100 um (radius 97 px) with defect checking on, counting defects without limit.

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kRegion = 960;
-constexpr float kScale = 0.5122950673103333f;
+constexpr float kScale = kUmPerPixel;
 constexpr double kCladdingRange[] = {110.0, 135.0};
 
 struct Found {

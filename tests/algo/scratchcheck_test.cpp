@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr float kScale = 0.5122950673103333f;
+constexpr float kScale = kUmPerPixel;
 const double kCladding[] = {110.0, 135.0};
 
 ScratchRecord line(double x1, double y1, double x2, double y2, double width) {
@@ -126,7 +126,7 @@ TEST(ScratchCheck, TheSearchCoversTheCheckedZonesLessTheCladdingEdge) {
         const std::vector<double> annuli = scratchSearchAnnuli(task, kScale, c.outer, kCladding, 1);
         ASSERT_EQ(annuli.size(), c.annuli.size());
         for (size_t i = 0; i < annuli.size(); ++i) {
-            EXPECT_NEAR(annuli[i], c.annuli[i] / 0.5122950673103333 * 0.5, 1e-4) << i;
+            EXPECT_NEAR(annuli[i], c.annuli[i] / kUmPerPixel * 0.5, 1e-4) << i;
         }
     }
 }

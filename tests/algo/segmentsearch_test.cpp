@@ -25,13 +25,13 @@ TEST(LumaspecSegmentSettings, SensitivityPicksSigmaScaleAndMode) {
 struct Frame {
     sim::EndFaceScene scene;
     std::vector<unsigned char> gray =
-        std::vector<unsigned char>(size_t(sim::kFrameWidth) * sim::kFrameHeight);
+        std::vector<unsigned char>(size_t(kSensorWidth) * kSensorHeight);
 
     explicit Frame(std::vector<sim::Scratch> scratches) {
         scene.ferruleLevel = scene.claddingLevel = scene.coreLevel = 150.0;
         scene.edgeDarkRing = scene.edgeBrightHalo = 0.0;
         scene.scratches = std::move(scratches);
-        sim::renderGray(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, gray.data());
+        sim::renderGray(scene, 0, 0, kSensorWidth, kSensorHeight, gray.data());
     }
 };
 
@@ -45,10 +45,9 @@ Found search(const Frame& f, int cx, int cy, double r, double rLimit,
              const std::vector<defect_info_struct>& exclusions = {}, int sens = 16) {
     double* segments = nullptr;
     int count = -1;
-    const int returned =
-        FindLumaspecSegment(f.gray.data(), sim::kFrameWidth, sim::kFrameHeight, cx, cy, r, rLimit,
-                            int(annuli.size() / 2), annuli.data(), exclusions.data(),
-                            int(exclusions.size()), sens, &segments, &count);
+    const int returned = FindLumaspecSegment(
+        f.gray.data(), kSensorWidth, kSensorHeight, cx, cy, r, rLimit, int(annuli.size() / 2),
+        annuli.data(), exclusions.data(), int(exclusions.size()), sens, &segments, &count);
     EXPECT_EQ(returned, count);
     Found found{count, std::vector<double>(segments, segments + 7 * count)};
     freeLineSegments(segments);
@@ -132,8 +131,8 @@ TEST(FindLumaspecSegment, ASquareWithNoPixelsFindsNothing) {
     const Frame f({kInside});
     double* segments = reinterpret_cast<double*>(1);
     int count = -1;
-    EXPECT_EQ(FindLumaspecSegment(f.gray.data(), sim::kFrameWidth, sim::kFrameHeight, 60, 1150, 0.0,
-                                  400.0, 0, nullptr, nullptr, 0, 16, &segments, &count),
+    EXPECT_EQ(FindLumaspecSegment(f.gray.data(), kSensorWidth, kSensorHeight, 60, 1150, 0.0, 400.0,
+                                  0, nullptr, nullptr, 0, 16, &segments, &count),
               0);
     EXPECT_EQ(count, 0);
     EXPECT_EQ(segments, nullptr);

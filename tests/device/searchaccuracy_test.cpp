@@ -20,8 +20,8 @@ namespace {
 constexpr double kRefineLimit = 160.0;
 
 bool refinementRuns(double x, double y) {
-    return x > kRefineLimit && x < sim::kFrameWidth - kRefineLimit && y > kRefineLimit &&
-           y < sim::kFrameHeight - kRefineLimit;
+    return x > kRefineLimit && x < kSensorWidth - kRefineLimit && y > kRefineLimit &&
+           y < kSensorHeight - kRefineLimit;
 }
 
 // A coordinate inside the refinement's limit, or in the margin with the whole cladding still
@@ -39,8 +39,8 @@ sim::EndFaceScene randomScene(std::mt19937& random) {
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     const int placement = random() % 8;  // one frame in four lies in a margin
     sim::EndFaceScene scene;
-    scene.centerX = randomCoordinate(random, sim::kFrameWidth, placement == 0);
-    scene.centerY = randomCoordinate(random, sim::kFrameHeight, placement == 1);
+    scene.centerX = randomCoordinate(random, kSensorWidth, placement == 0);
+    scene.centerY = randomCoordinate(random, kSensorHeight, placement == 1);
     scene.blurSigmaPx = 0.5 + 2.0 * unit(random);
     scene.noiseSigma = 0.5 + 2.5 * unit(random);
     // Single-mode cores are dim; multimode ones dim or as bright as in real pictures.
@@ -57,15 +57,15 @@ sim::EndFaceScene randomScene(std::mt19937& random) {
 TEST(SearchAccuracy, RenderedFibersAreFoundAndRefinedToWithinOneAndAHalfPixels) {
     std::mt19937 random(20261122);
     CaptureThread capture;
-    std::vector<uint16_t> frame(size_t(sim::kFrameWidth) * sim::kFrameHeight);
+    std::vector<uint16_t> frame(size_t(kSensorWidth) * kSensorHeight);
     std::vector<double> refinedErrors, coarseErrors;
 
     for (int i = 0; i < 60; ++i) {
         const sim::EndFaceScene scene = randomScene(random);
-        sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, frame.data());
+        sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data());
         unsigned x, y, rawX, rawY;
-        ASSERT_EQ(capture.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, x, y,
-                                            rawX, rawY, 960, 960, true),
+        ASSERT_EQ(capture.searchSingleFiber(frame.data(), kSensorWidth, kSensorHeight, x, y, rawX,
+                                            rawY, 960, 960, true),
                   1)
             << "frame " << i << " at " << scene.centerX << "," << scene.centerY;
         const double dx = rawX - scene.centerX, dy = rawY - scene.centerY;

@@ -20,15 +20,14 @@ protected:
     Search search(const std::vector<uint16_t>& frame, unsigned windowWidth = 960,
                   unsigned windowHeight = 960, bool refine = true) {
         Search s{0, 1, 2, 3, 4};
-        s.found =
-            capture_.searchSingleFiber(frame.data(), sim::kFrameWidth, sim::kFrameHeight, s.x, s.y,
-                                       s.rawX, s.rawY, windowWidth, windowHeight, refine);
+        s.found = capture_.searchSingleFiber(frame.data(), kSensorWidth, kSensorHeight, s.x, s.y,
+                                             s.rawX, s.rawY, windowWidth, windowHeight, refine);
         return s;
     }
 
     static std::vector<uint16_t> render(const sim::EndFaceScene& scene) {
-        std::vector<uint16_t> frame(size_t(sim::kFrameWidth) * sim::kFrameHeight);
-        sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, frame.data());
+        std::vector<uint16_t> frame(size_t(kSensorWidth) * kSensorHeight);
+        sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data());
         return frame;
     }
 
@@ -45,7 +44,7 @@ protected:
 }  // namespace
 
 TEST_F(SearchSingleFiber, AFrameWithoutCircleGivesTheFrameCenterUnclamped) {
-    const std::vector<uint16_t> flat(size_t(sim::kFrameWidth) * sim::kFrameHeight, 600);
+    const std::vector<uint16_t> flat(size_t(kSensorWidth) * kSensorHeight, 600);
     const Search s = search(flat, 1800, 1400, true);
     EXPECT_EQ(s.found, 0);
     EXPECT_EQ(s.x, 800u);
@@ -96,12 +95,12 @@ TEST_F(SearchSingleFiber, ASmallCircleIsFoundAtHalfScaleOnly) {
     // A dark disc of 15 px radius is lost in the quarter-size picture but not at half size;
     // the half-size center is divided by 0.5.
     sim::EndFaceScene scene = fiberAt(700.0, 500.0);
-    scene.claddingDiameterUm = 30.0 * sim::kMicronsPerPixel;
+    scene.claddingDiameterUm = 30.0 * kUmPerPixel;
     scene.coreDiameterUm = 0.0;
     const std::vector<uint16_t> frame = render(scene);
     unsigned x = 0, y = 0;
     std::vector<unsigned char> gray(frame.size());
-    sim::renderGray(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, gray.data());
+    sim::renderGray(scene, 0, 0, kSensorWidth, kSensorHeight, gray.data());
     ASSERT_EQ(capture_.cvSearchSingleFiber(gray.data(), 1600, 1200, 0.25, 0, 0, x, y), 0);
     const Search s = search(frame, 960, 960, false);
     ASSERT_EQ(s.found, 1);

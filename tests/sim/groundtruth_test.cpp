@@ -48,7 +48,7 @@ TEST(GroundTruth, TellsTheFiberTheCameraAndEveryDefectInPixelsAndMicrometres) {
         EXPECT_DOUBLE_EQ(truth["coreDiameterUm"].toDouble(), 50.0);
         EXPECT_NEAR(truth["claddingRadiusPx"].toDouble(), 122.0, 0.05);
         EXPECT_NEAR(truth["coreRadiusPx"].toDouble(), 48.8, 0.05);
-        EXPECT_DOUBLE_EQ(truth["umPerPixel"].toDouble(), sim::kMicronsPerPixel);
+        EXPECT_DOUBLE_EQ(truth["umPerPixel"].toDouble(), kUmPerPixel);
         EXPECT_DOUBLE_EQ(truth["blurSigmaPx"].toDouble(), 1.5);
         EXPECT_DOUBLE_EQ(truth["noiseSigma"].toDouble(), 1.0);
         EXPECT_DOUBLE_EQ(truth["exposure"].toDouble(), 1.0);
@@ -83,7 +83,7 @@ TEST(SpotAtRadius, PlacesTheSpotAtItsDistanceAndDirectionFromTheFiber) {
     scene.centerX = 700.0;
     scene.centerY = 500.0;
     const sim::Spot right = sim::spotAtRadius(scene, 30.0, 0.0, 4.0, 22.0, true);
-    EXPECT_NEAR(right.x, 700.0 + 30.0 / sim::kMicronsPerPixel, 1e-9);
+    EXPECT_NEAR(right.x, 700.0 + 30.0 / kUmPerPixel, 1e-9);
     EXPECT_NEAR(right.y, 500.0, 1e-9);
     EXPECT_DOUBLE_EQ(right.diameterUm, 4.0);
     EXPECT_DOUBLE_EQ(right.contrast, 22.0);
@@ -91,12 +91,11 @@ TEST(SpotAtRadius, PlacesTheSpotAtItsDistanceAndDirectionFromTheFiber) {
 
     const sim::Spot up = sim::spotAtRadius(scene, 10.0, 90.0, 4.0, 22.0);
     EXPECT_NEAR(up.x, 700.0, 1e-9);
-    EXPECT_NEAR(up.y, 500.0 - 10.0 / sim::kMicronsPerPixel, 1e-9);  // y grows downward
+    EXPECT_NEAR(up.y, 500.0 - 10.0 / kUmPerPixel, 1e-9);  // y grows downward
     EXPECT_FALSE(up.bright);
 
     const sim::Spot slanted = sim::spotAtRadius(scene, 50.0, 225.0, 4.0, 22.0);
-    EXPECT_NEAR(std::hypot(slanted.x - 700.0, slanted.y - 500.0) * sim::kMicronsPerPixel, 50.0,
-                1e-9);
+    EXPECT_NEAR(std::hypot(slanted.x - 700.0, slanted.y - 500.0) * kUmPerPixel, 50.0, 1e-9);
     EXPECT_LT(slanted.x, 700.0);
     EXPECT_GT(slanted.y, 500.0);
 }

@@ -73,7 +73,7 @@ TEST(RealPictures, RenderedFramesLookLikeRealOnes) {
     for (const QString& name : QDir(dir).entryList({"*.png"})) {
         const cv::Mat gray =
             cv::imread(QDir(dir).filePath(name).toStdString(), cv::IMREAD_GRAYSCALE);
-        ASSERT_EQ(gray.size(), cv::Size(sim::kFrameWidth, sim::kFrameHeight));
+        ASSERT_EQ(gray.size(), cv::Size(kSensorWidth, kSensorHeight));
         real.push_back(lookOf(gray));
     }
     ASSERT_FALSE(real.empty());
@@ -89,9 +89,8 @@ TEST(RealPictures, RenderedFramesLookLikeRealOnes) {
     for (uint32_t seed : {1u, 2u, 3u}) {
         sim::EndFaceScene scene;
         scene.seed = seed;
-        cv::Mat rendered(sim::kFrameHeight, sim::kFrameWidth, CV_8UC1);
-        ASSERT_EQ(sim::renderGray(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, rendered.data),
-                  1);
+        cv::Mat rendered(kSensorHeight, kSensorWidth, CV_8UC1);
+        ASSERT_EQ(sim::renderGray(scene, 0, 0, kSensorWidth, kSensorHeight, rendered.data), 1);
         const Look look = lookOf(rendered);
         const auto ferrule = [](const Look& l) { return l.ferrule; };
         const auto cladding = [](const Look& l) { return l.cladding; };

@@ -16,7 +16,7 @@ struct RenderedWindow {
         status = sim::renderRaw(scene, left, top, width, height, raw.data());
     }
     explicit RenderedWindow(const sim::EndFaceScene& scene)
-        : RenderedWindow(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight) {}
+        : RenderedWindow(scene, 0, 0, kSensorWidth, kSensorHeight) {}
 
     // Level at frame pixel (x, y).
     double at(int x, int y) const { return raw[size_t(y - top) * width + (x - left)] / 4.0; }

@@ -31,7 +31,7 @@ sim::Spot spotAt(double radiusUm, double angleDeg, double diameterUm, double con
 
 // A scratch across zone B, 30 um from the fiber center, clear of zone A.
 sim::Scratch scratchInZoneB(double widthUm) {
-    const double offset = 30.0 / sim::kMicronsPerPixel;
+    const double offset = 30.0 / kUmPerPixel;
     return {650.0, 600.0 - offset, 950.0, 600.0 - offset + 40.0, widthUm, 35.0, false};
 }
 

@@ -38,7 +38,7 @@ TEST(SectionMap, EachPixelGetsTheFirstZoneWhoseRingHoldsIt) {
 TEST(SectionMap, OddDiametersAreHalvedWholeAndScaled) {
     const TaskInfoSetting task = zones({{0, 25}, {25, 115}});
     std::vector<unsigned char> map(100 * 100);
-    initSectionMapByTaskInfoSF(task, map.data(), 100, 100, 50, 50, 0.5122950673103333);
+    initSectionMapByTaskInfoSF(task, map.data(), 100, 100, 50, 50, kUmPerPixel);
     // 25 um: a radius of 12 / scale = 23.42 px.
     EXPECT_EQ(map[50 * 100 + 50 + 23], 0);
     EXPECT_EQ(map[50 * 100 + 50 + 24], 1);

@@ -12,7 +12,7 @@ namespace {
 
 QByteArray rawFrameBytes(uint16_t (*sampleAt)(int index)) {
     QByteArray bytes(int(kRawFrameBytes), '\0');
-    for (int i = 0; i < kRawFrameWidth * kRawFrameHeight; ++i) {
+    for (int i = 0; i < kSensorWidth * kSensorHeight; ++i) {
         const uint16_t sample = sampleAt(i);
         bytes[2 * i] = char(sample & 0xff);
         bytes[2 * i + 1] = char(sample >> 8);
@@ -40,7 +40,7 @@ TEST(FrameLoader, RawFramesAreLittleEndianTenBitWords) {
         writeFile(root.file("frame.raw"), rawFrameBytes([](int i) { return uint16_t(i % 1024); })));
     const Load raw = load(root.file("frame.raw"));
     ASSERT_EQ(raw.code, 1) << raw.error.toStdString();
-    ASSERT_EQ(raw.frame.size(), size_t(kRawFrameWidth) * kRawFrameHeight);
+    ASSERT_EQ(raw.frame.size(), size_t(kSensorWidth) * kSensorHeight);
     EXPECT_EQ(raw.frame[0], 0);
     EXPECT_EQ(raw.frame[1023], 1023);
     EXPECT_EQ(raw.frame[1024 + 258], 258);
@@ -48,7 +48,7 @@ TEST(FrameLoader, RawFramesAreLittleEndianTenBitWords) {
 
 TEST(FrameLoader, GrayPicturesAreWidenedToTenBits) {
     TempRoot root;
-    cv::Mat picture(kRawFrameHeight, kRawFrameWidth, CV_8UC1, cv::Scalar(0));
+    cv::Mat picture(kSensorHeight, kSensorWidth, CV_8UC1, cv::Scalar(0));
     picture.at<uint8_t>(0, 1) = 255;
     picture.at<uint8_t>(1199, 1599) = 77;
     for (const char* name : {"frame.png", "frame.bmp", "frame.tif"}) {

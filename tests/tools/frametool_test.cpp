@@ -37,8 +37,8 @@ ToolRun inspect(const QStringList& arguments) {
 }
 
 void writeRawFrame(const QString& path, const sim::EndFaceScene& scene) {
-    std::vector<uint16_t> frame(size_t(sim::kFrameWidth) * sim::kFrameHeight);
-    ASSERT_EQ(sim::renderRaw(scene, 0, 0, sim::kFrameWidth, sim::kFrameHeight, frame.data()), 1);
+    std::vector<uint16_t> frame(size_t(kSensorWidth) * kSensorHeight);
+    ASSERT_EQ(sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data()), 1);
     ASSERT_TRUE(writeFile(
         path, QByteArray(reinterpret_cast<const char*>(frame.data()), int(frame.size() * 2))));
 }

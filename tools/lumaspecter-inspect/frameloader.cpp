@@ -35,17 +35,17 @@ int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& erro
     if (picture.empty()) {
         return -1;
     }
-    if (picture.cols != kRawFrameWidth || picture.rows != kRawFrameHeight) {
+    if (picture.cols != kSensorWidth || picture.rows != kSensorHeight) {
         return fail(error, QString("picture is %1 x %2, expected %3 x %4")
                                .arg(picture.cols)
                                .arg(picture.rows)
-                               .arg(kRawFrameWidth)
-                               .arg(kRawFrameHeight));
+                               .arg(kSensorWidth)
+                               .arg(kSensorHeight));
     }
-    frame.resize(size_t(kRawFrameWidth) * kRawFrameHeight);
+    frame.resize(size_t(kSensorWidth) * kSensorHeight);
     for (int y = 0; y < picture.rows; ++y) {
         const uint8_t* row = picture.ptr<uint8_t>(y);
-        uint16_t* out = frame.data() + size_t(y) * kRawFrameWidth;
+        uint16_t* out = frame.data() + size_t(y) * kSensorWidth;
         for (int x = 0; x < picture.cols; ++x) {
             out[x] = uint16_t(row[x] << 2);
         }
@@ -77,7 +77,7 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
                                .arg(size)
                                .arg(kRawFrameBytes));
     }
-    frame.resize(size_t(kRawFrameWidth) * kRawFrameHeight);
+    frame.resize(size_t(kSensorWidth) * kSensorHeight);
     if (file.read(reinterpret_cast<char*>(frame.data()), kRawFrameBytes) != kRawFrameBytes) {
         return fail(error, "read failed: " + file.errorString());
     }
@@ -87,8 +87,8 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
     const int bad = firstSampleAbove10Bits(frame);
     if (bad >= 0) {
         return fail(error, QString("not a 10-bit raw frame: sample at (%1, %2) is %3")
-                               .arg(bad % kRawFrameWidth)
-                               .arg(bad / kRawFrameWidth)
+                               .arg(bad % kSensorWidth)
+                               .arg(bad / kSensorWidth)
                                .arg(frame[size_t(bad)]));
     }
     return 1;

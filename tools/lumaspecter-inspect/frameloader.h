@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "instrumentoptics.h"
+
 // Frame files as the tools take them: a raw frame (1600 x 1200 little-endian 16-bit words with
 // 10-bit values, 3,840,000 bytes), or an 8-bit grayscale picture of 1600 x 1200 (PNG, BMP,
 // TIFF) whose values are widened by << 2 so that the 10-to-8-bit conversions give them back.
 
-constexpr int kRawFrameWidth = 1600;
-constexpr int kRawFrameHeight = 1200;
-constexpr qint64 kRawFrameBytes = qint64(kRawFrameWidth) * kRawFrameHeight * 2;
+constexpr qint64 kRawFrameBytes = qint64(kSensorPixels) * 2;
 
 // Reads the file into frame (resized to 1600 x 1200 samples). Returns 1, or -1 with a one-line
 // reason in error (the file itself is never changed).

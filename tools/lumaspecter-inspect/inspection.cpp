@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kWindow = 960;
-
 struct Region {
     const unsigned char* pixels;
     int width, height, left, top, centerX, centerY;
@@ -132,9 +130,9 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
     if (!input.frame.empty()) {
         unsigned x, y, rawX, rawY;
         stage.start();
-        const bool found =
-            workers.capture.searchSingleFiber(input.frame.data(), kRawFrameWidth, kRawFrameHeight,
-                                              x, y, rawX, rawY, kWindow, kWindow, true) != 0;
+        const bool found = workers.capture.searchSingleFiber(
+                               input.frame.data(), kSensorWidth, kSensorHeight, x, y, rawX, rawY,
+                               kMeasureWindowSide, kMeasureWindowSide, true) != 0;
         searchMs = elapsedMs(stage);
         result.insert("found", found);
         result.insert("x", int(x));
@@ -146,11 +144,13 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
         }
         // The window as the capture cuts it, with the fiber's place in it.
         std::vector<unsigned char>& window = workers.window;
-        window.resize(size_t(kWindow) * kWindow);
-        convert_y10bit_to_y8bit(input.frame.data(), window.data(), kRawFrameWidth, kRawFrameHeight,
-                                x - kWindow / 2, y - kWindow / 2, kWindow, kWindow);
-        const int left = int(x) - kWindow / 2, top = int(y) - kWindow / 2;
-        region = {window.data(), kWindow, kWindow, left, top, int(rawX) - left, int(rawY) - top};
+        window.resize(size_t(kMeasureWindowSide) * kMeasureWindowSide);
+        convert_y10bit_to_y8bit(input.frame.data(), window.data(), kSensorWidth, kSensorHeight,
+                                x - kMeasureWindowSide / 2, y - kMeasureWindowSide / 2,
+                                kMeasureWindowSide, kMeasureWindowSide);
+        const int left = int(x) - kMeasureWindowSide / 2, top = int(y) - kMeasureWindowSide / 2;
+        region = {window.data(), kMeasureWindowSide, kMeasureWindowSide, left,
+                  top,           int(rawX) - left,   int(rawY) - top};
     } else {
         result.insert("found", true);
         result.insert("x", input.centerX);

@@ -28,7 +28,7 @@
 
 namespace {
 
-constexpr qint64 kMaskBytes = qint64(kRawFrameWidth) * kRawFrameHeight;
+constexpr qint64 kMaskBytes = qint64(kSensorWidth) * kSensorHeight;
 
 struct Options {
     QStringList inputs;

@@ -18,7 +18,7 @@ Window windowOf(const RenderRequest& request) {
         return {request.regionX - kRegionSide / 2, request.regionY - kRegionSide / 2, kRegionSide,
                 kRegionSide};
     }
-    return {0, 0, sim::kFrameWidth, sim::kFrameHeight};
+    return {0, 0, kSensorWidth, kSensorHeight};
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes) {

@@ -17,7 +17,7 @@ struct RenderRequest {
 };
 
 // The region's side, pixels.
-constexpr int kRegionSide = 960;
+constexpr int kRegionSide = kMeasureWindowSide;
 
 // Fills request from the command line (arguments[0] is the program). Returns an empty string,
 // or the message telling what is wrong. Sets wantsHelp (and returns "") for --help.
