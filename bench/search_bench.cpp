@@ -4,10 +4,10 @@
 
 #include <vector>
 
-#include "capturethread.h"
 #include "endfacerenderer.h"
 #include "fibercenter.h"
 #include "libcapture.h"
+#include "singlefibersearch.h"
 
 namespace {
 
@@ -32,21 +32,21 @@ const RenderedFrame& frame() {
 }
 
 void BM_SearchSingleFiber(benchmark::State& state) {
-    CaptureThread capture;
+    std::vector<unsigned char> gray(singleFiberSearchBufferSize(kSensorWidth, kSensorHeight));
     unsigned x, y, rawX, rawY;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(capture.searchSingleFiber(
-            frame().raw.data(), kSensorWidth, kSensorHeight, x, y, rawX, rawY, 960, 960, true));
+        benchmark::DoNotOptimize(searchSingleFiber(frame().raw.data(), kSensorWidth, kSensorHeight,
+                                                   gray.data(), x, y, rawX, rawY,
+                                                   kMeasureWindowSide, kMeasureWindowSide, true));
     }
 }
 BENCHMARK(BM_SearchSingleFiber)->Unit(benchmark::kMillisecond);
 
 void BM_CoarseSearchQuarterScale(benchmark::State& state) {
-    CaptureThread capture;
     unsigned x, y;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(capture.cvSearchSingleFiber(frame().gray.data(), kSensorWidth,
-                                                             kSensorHeight, 0.25, 0, 0, x, y));
+        benchmark::DoNotOptimize(cvSearchSingleFiber(frame().gray.data(), kSensorWidth,
+                                                     kSensorHeight, 0.25, 0, 0, x, y));
     }
 }
 BENCHMARK(BM_CoarseSearchQuarterScale)->Unit(benchmark::kMillisecond);

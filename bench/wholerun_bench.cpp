@@ -4,20 +4,18 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QJsonObject>
+#include <QElapsedTimer>
 #include <opencv2/core/utility.hpp>
 #include <thread>
 #include <vector>
 
-#include "capturethread.h"
 #include "endfacerenderer.h"
 #include "factorytasks.h"
-#include "inspection.h"
-#include "measuresinglefiberthread.h"
+#include "singlefiberinspection.h"
 
 namespace {
 
-InspectionInput renderedFrame(uint32_t seed) {
+std::vector<uint16_t> renderedFrame(uint32_t seed) {
     sim::EndFaceScene scene;
     scene.centerX = 760.0 + seed % 7 * 10;
     scene.centerY = 580.0 + seed % 5 * 8;
@@ -27,30 +25,37 @@ InspectionInput renderedFrame(uint32_t seed) {
     scene.spots.push_back(sim::spotAtRadius(scene, 90.0, 250.0, 7.0, 60.0));
     scene.scratches.push_back({scene.centerX - 80, scene.centerY - 60, scene.centerX + 110,
                                scene.centerY + 90, 2.5, 30.0});
-    InspectionInput input;
-    input.path = QString("frame-%1").arg(seed);
-    input.frame.resize(size_t(kSensorWidth) * kSensorHeight);
-    sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, input.frame.data());
-    return input;
+    std::vector<uint16_t> frame(kSensorPixels);
+    sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data());
+    return frame;
+}
+
+// Search, window and measurement of one frame; the search's time in milliseconds.
+double inspectFrame(SingleFiberInspection& inspection, const std::vector<uint16_t>& frame,
+                    const TaskInfoSetting& task) {
+    QElapsedTimer timer;
+    timer.start();
+    const FiberPlace place = inspection.searchFrame(frame.data());
+    const double searchMs = timer.nsecsElapsed() / 1e6;
+    QString saveProblem;
+    inspection.measure(task, inspection.cutWindow(frame.data(), place), nullptr, {}, saveProblem);
+    return searchMs;
 }
 
 void BM_WholeInspection(benchmark::State& state) {
-    const InspectionInput input = renderedFrame(1);
+    const std::vector<uint16_t> frame = renderedFrame(1);
     const TaskInfoSetting task = factoryTasks().value(0);
-    CaptureThread capture;
-    MeasureSingleFiberThread measure;
-    std::vector<unsigned char> window;
+    SingleFiberInspection inspection;
     double search = 0, defects = 0, scratches = 0, overlay = 0, total = 0;
     for (auto _ : state) {
-        QString error, saveProblem;
-        const QJsonObject ms =
-            inspect(input, task, nullptr, {}, {capture, measure, window}, error, saveProblem)["ms"]
-                .toObject();
-        search += ms["search"].toDouble();
-        defects += ms["defects"].toDouble();
-        scratches += ms["scratches"].toDouble();
-        overlay += ms["overlay"].toDouble();
-        total += ms["total"].toDouble();
+        QElapsedTimer timer;
+        timer.start();
+        search += inspectFrame(inspection, frame, task);
+        total += timer.nsecsElapsed() / 1e6;
+        const MeasureSingleFiberThread::StageTimes& times = inspection.run().stageTimes();
+        defects += times.defects;
+        scratches += times.scratches;
+        overlay += times.overlay;
     }
     const double n = double(state.iterations());
     state.counters["search_ms"] = search / n;
@@ -67,7 +72,7 @@ void BM_Batch(benchmark::State& state) {
     const int jobs = int(state.range(0));
     // The jobs are the parallelism, as in the tool: OpenCV's own threads would only compete.
     cv::setNumThreads(1);
-    std::vector<InspectionInput> frames;
+    std::vector<std::vector<uint16_t>> frames;
     for (uint32_t i = 0; i < 40; ++i) {
         frames.push_back(renderedFrame(i + 1));
     }
@@ -77,14 +82,9 @@ void BM_Batch(benchmark::State& state) {
         std::vector<std::thread> workers;
         for (int j = 0; j < jobs; ++j) {
             workers.emplace_back([&] {
-                CaptureThread capture;
-                MeasureSingleFiberThread measure;
-                std::vector<unsigned char> window;
+                SingleFiberInspection inspection;
                 for (int i = next++; i < int(frames.size()); i = next++) {
-                    QString error, saveProblem;
-                    benchmark::DoNotOptimize(inspect(frames[size_t(i)], task, nullptr, {},
-                                                     {capture, measure, window}, error,
-                                                     saveProblem));
+                    benchmark::DoNotOptimize(inspectFrame(inspection, frames[size_t(i)], task));
                 }
             });
         }

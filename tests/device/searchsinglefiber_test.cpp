@@ -7,6 +7,7 @@
 
 #include "capturethread.h"
 #include "endfacerenderer.h"
+#include "singlefibersearch.h"
 
 namespace {
 
@@ -101,7 +102,7 @@ TEST_F(SearchSingleFiber, ASmallCircleIsFoundAtHalfScaleOnly) {
     unsigned x = 0, y = 0;
     std::vector<unsigned char> gray(frame.size());
     sim::renderGray(scene, 0, 0, kSensorWidth, kSensorHeight, gray.data());
-    ASSERT_EQ(capture_.cvSearchSingleFiber(gray.data(), 1600, 1200, 0.25, 0, 0, x, y), 0);
+    ASSERT_EQ(cvSearchSingleFiber(gray.data(), 1600, 1200, 0.25, 0, 0, x, y), 0);
     const Search s = search(frame, 960, 960, false);
     ASSERT_EQ(s.found, 1);
     EXPECT_NEAR(s.rawX, 700.0, 4.0);

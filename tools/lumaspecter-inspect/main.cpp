@@ -17,10 +17,8 @@
 #include <thread>
 #include <vector>
 
-#include "capturethread.h"
 #include "frameloader.h"
-#include "inspection.h"
-#include "measuresinglefiberthread.h"
+#include "inputinspection.h"
 #include "platformroot.h"
 #include "settingsstore.h"
 #include "taskchoice.h"
@@ -93,13 +91,13 @@ bool readInput(const QString& path, const Options& options, InspectionInput& inp
     return loadGrayRegion(path, input.region, input.regionWidth, input.regionHeight, error) == 1;
 }
 
-Outcome inspectOne(const QString& path, const Options& options, InspectionWorkers workers) {
+Outcome inspectOne(const QString& path, const Options& options, SingleFiberInspection& inspection) {
     Outcome outcome;
     InspectionInput input;
     if (readInput(path, options, input, outcome.error)) {
         outcome.result =
             inspect(input, options.task, options.mask.empty() ? nullptr : options.mask.data(),
-                    options.outputs, workers, outcome.error, outcome.saveProblem);
+                    options.outputs, inspection, outcome.error, outcome.saveProblem);
     }
     return outcome;
 }
@@ -127,10 +125,9 @@ int inspectAll(const Options& options) {
     std::condition_variable ready;
     int next = 0;
     auto worker = [&] {
-        CaptureThread capture;
-        MeasureSingleFiberThread measure;
-        std::vector<unsigned char> window;
-        measure.setReportTexts(options.describer, options.manufacturer, options.operatorName);
+        SingleFiberInspection inspection;
+        inspection.run().setReportTexts(options.describer, options.manufacturer,
+                                        options.operatorName);
         for (;;) {
             int index;
             {
@@ -140,8 +137,7 @@ int inspectAll(const Options& options) {
                 }
                 index = next++;
             }
-            Outcome outcome =
-                inspectOne(options.inputs[index], options, {capture, measure, window});
+            Outcome outcome = inspectOne(options.inputs[index], options, inspection);
             std::lock_guard<std::mutex> lock(mutex);
             outcomes[size_t(index)] = std::move(outcome);
             outcomes[size_t(index)].done = true;
@@ -236,15 +232,15 @@ int main(int argc, char* argv[]) {
     }
     if (parser.isSet("save-type")) {
         bool ok = false;
-        options.outputs.saveType = parser.value("save-type").toInt(&ok);
-        if (!ok || options.outputs.saveType < 0 || options.outputs.saveType > 5) {
+        options.outputs.files.saveType = parser.value("save-type").toInt(&ok);
+        if (!ok || options.outputs.files.saveType < 0 || options.outputs.files.saveType > 5) {
             return usageError("--save-type takes 0 to 5");
         }
     }
     const SettingsStore settings;
-    options.outputs.connectorId =
+    options.outputs.files.connectorId =
         parser.isSet("id") ? parser.value("id") : settings.textValue(SettingsStore::kSnText);
-    options.outputs.language = settings.intValue(SettingsStore::kLanguage);
+    options.outputs.files.language = settings.intValue(SettingsStore::kLanguage);
     options.describer = settings.textValue(SettingsStore::kDescriber);
     options.manufacturer = settings.textValue(SettingsStore::kManufacturer);
     options.operatorName = settings.textValue(SettingsStore::kOperator);

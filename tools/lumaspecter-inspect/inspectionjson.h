@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QJsonObject>
+
+#include "singlefiberinspection.h"
+
+// The tool's JSON for one inspection: where the fiber was found, and for a measured region its
+// place, the verdict, every zone's counts and verdicts, the defects and the scratches.
+QJsonObject placeJson(const FiberPlace& place);
+QJsonObject measurementJson(const MeasureSingleFiberThread& run, const MeasureRegion& region);
