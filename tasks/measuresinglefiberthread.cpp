@@ -67,6 +67,16 @@ bool MeasureSingleFiberThread::startMeasureSingleFiber(TaskInfoSetting task, uns
     if (width < 5 || height < 5 || long(width) * height > kMaxRegionPixels) {
         return false;
     }
+    // The inputs are written under the run's lock: a run in progress reads them, so a second
+    // start is refused rather than made to overwrite them.
+    QMutexLocker lock(&runLock_);
+    if (busy_) {
+        return false;
+    }
+    // The previous run has released the lock and is only returning; start() on a thread that
+    // has not finished yet would do nothing.
+    wait();
+    busy_ = true;
     task_ = task;
     image_ = image;
     mask_ = mask;
@@ -244,4 +254,5 @@ void MeasureSingleFiberThread::run() {
     times_.overlay = elapsedMs(timer);
     saveResultFiles();
     emit measureSingleFiberFinished(pass_, &overlay_, &measured_, &results_);
+    busy_ = false;
 }

@@ -36,11 +36,12 @@ public:
     explicit MeasureSingleFiberThread(QObject* parent = nullptr);
     ~MeasureSingleFiberThread() override;
 
-    // Stores the run's inputs and starts the run. `image` is the gray region (width x height,
+    // Stores the run's inputs and starts the run; refused (false, nothing emitted) while a run
+    // is in progress. `image` is the gray region (width x height,
     // at most kMaxRegionPixels) at (left, top) in the frame, with the fiber at (centerX,
     // centerY) in it; `mask` (may be null) the sensor mask of the whole frame, 255 on pixels to
     // ignore. fiberFlag, saveType, connectorId and language are kept for the result files.
-    // Returns false, starting nothing, when the region does not fit the buffers.
+    // Also returns false, starting nothing, when the region does not fit the buffers.
     bool startMeasureSingleFiber(TaskInfoSetting task, unsigned char* image, unsigned char* mask,
                                  int width, int height, int left, int top, int centerX, int centerY,
                                  int fiberFlag, int saveType, QString connectorId, int language);
@@ -70,7 +71,7 @@ public:
 
 signals:
     void measureSingleFiberFinished(bool pass, QImage* overlay, QImage* image,
-                                    QList<TaskZoneResult>* results);
+                                    QList<ZoneResult>* results);
     // The run's save mode asked for files, but there is no SD card / the connector id cannot
     // name a file: nothing was written.
     void noSDCard();
@@ -101,7 +102,8 @@ private:
     void saveResultFiles();
 
     const double scale_;
-    QMutex runLock_;
+    QMutex runLock_;     // held by a run from start to end, and while its inputs are stored
+    bool busy_ = false;  // a run is started and has not yet ended (under runLock_)
 
     // The run's inputs.
     TaskInfoSetting task_{};
