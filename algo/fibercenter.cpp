@@ -17,7 +17,12 @@ struct PointSink {
     int* ys;
     int& n;
 
+    // The arrays hold kFillPointsCapacity points: a small step over a large picture would find
+    // more, and those are dropped rather than written past the end.
     void append(int x, int y) {
+        if (n >= kFillPointsCapacity) {
+            return;
+        }
         xs[n] = x;
         ys[n] = y;
         ++n;

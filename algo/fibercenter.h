@@ -21,6 +21,7 @@ constexpr int kFillPointsCapacity = 6400;
 // columns every `step` pixels outward from (cx, cy) while the fiber continues, the first
 // non-fiber pixel on each ray beyond 50 pixels from the center (the 50 keeps the core out).
 // Points are appended to xs, ys (each kFillPointsCapacity long) and counted in n, which the
-// caller sets to 0. A center outside the picture adds nothing.
+// caller sets to 0; once the arrays are full, further points are dropped. A center outside the
+// picture adds nothing.
 void FillPoints(const unsigned char* binary, int width, int height, int cx, int cy, int step,
                 int* xs, int* ys, int& n);

@@ -188,6 +188,21 @@ TEST(FillPoints, NoPointWhereNoSweepStartsOrNoWalkMeetsAnEdge) {
     EXPECT_EQ(EdgePoints(full, 50, 100).n, 0);
 }
 
+TEST(FillPoints, StopsAtTheCapacityOfItsArrays) {
+    // Step 1 over a 2000 x 2000 fiber finds about 16,000 edge points, far more than fit.
+    TestPicture binary(2000, 2000, 0);
+    binary.hardDisc(1000, 1000, 990, 255);
+    const int guard = 64;
+    std::vector<int> xs(kFillPointsCapacity + guard, -7), ys(kFillPointsCapacity + guard, -7);
+    int n = 0;
+    FillPoints(binary.data(), 2000, 2000, 1000, 1000, 1, xs.data(), ys.data(), n);
+    EXPECT_EQ(n, kFillPointsCapacity);
+    for (int i = kFillPointsCapacity; i < kFillPointsCapacity + guard; ++i) {
+        ASSERT_EQ(xs[size_t(i)], -7) << "written past the capacity at " << i;
+        ASSERT_EQ(ys[size_t(i)], -7) << "written past the capacity at " << i;
+    }
+}
+
 TEST(FiberCenter, ADarkDiscIsFittedToItsCenterAndRadius) {
     TestPicture picture(320, 320, kFerrule);
     picture.disc(157.0, 164.0, 122.0, kCladding);
