@@ -71,10 +71,9 @@ bool SettingsStore::setValue(const char* key, const QVariant& value) {
     return settings_.status() == QSettings::NoError;
 }
 
-QString SettingsStore::increaseConnectorId() {
-    const QString next = idIncrease(textValue(kSnText));
-    setValue(kSnText, next);
-    return next;
+bool SettingsStore::increaseConnectorId(QString& next) {
+    next = idIncrease(textValue(kSnText));
+    return setValue(kSnText, next);
 }
 
 bool SettingsStore::restoreFactorySettings() {

@@ -37,8 +37,9 @@ public:
     // Stores the value; returns false when the file could not be written.
     bool setValue(const char* key, const QVariant& value);
 
-    // Advances "SN_TEXT" to the next connector id (idIncrease) and returns it.
-    QString increaseConnectorId();
+    // Advances "SN_TEXT" to the next connector id (idIncrease), given in `next`. Returns false
+    // when the settings file could not be written; the file then keeps the old id.
+    bool increaseConnectorId(QString& next);
 
     // Puts the factory settings and the factory task file back over their files in /etc and
     // runs "sync". Returns false when either could not be written.

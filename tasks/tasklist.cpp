@@ -23,9 +23,10 @@ bool readTaskFile(QByteArray& bytes) {
     return true;
 }
 
-void replaceTaskFile(const QByteArray& bytes) {
-    writeFileAtomically(taskFilePath(), bytes);
+bool replaceTaskFile(const QByteArray& bytes) {
+    const bool written = writeFileAtomically(taskFilePath(), bytes);
     runShellCommand("sync");
+    return written;
 }
 
 }  // namespace
@@ -47,8 +48,7 @@ int TaskList::readTaskListFromJsonFile() {
 }
 
 int TaskList::writeTaskListToJsonFile() {
-    replaceTaskFile(taskFileBytes(tasks_));
-    return 0;
+    return replaceTaskFile(taskFileBytes(tasks_)) ? 0 : -1;
 }
 
 int TaskList::updateTaskListFromJsonObject(const QJsonObject& task) {
@@ -68,7 +68,9 @@ int TaskList::updateTaskListFromJsonObject(const QJsonObject& task) {
     } else {
         array.prepend(task);  // a new task from the remote client comes first
     }
-    replaceTaskFile(QJsonDocument(QJsonObject{{"taskInfo", array}}).toJson());
+    if (!replaceTaskFile(QJsonDocument(QJsonObject{{"taskInfo", array}}).toJson())) {
+        return -1;
+    }
     updateDisplayTaskList();
     return 0;
 }
@@ -76,23 +78,32 @@ int TaskList::updateTaskListFromJsonObject(const QJsonObject& task) {
 int TaskList::deleteTaskByTaskId(const QString& taskId) {
     for (int i = 0; i < tasks_.size(); ++i) {
         if (taskText(tasks_[i].taskId) == taskId) {
-            tasks_.removeAt(i);
-            writeTaskListToJsonFile();
-            updateDisplayTaskList();
-            return 0;
+            return replaceTasks(tasks_.mid(0, i) + tasks_.mid(i + 1)) ? 0 : -2;
         }
     }
     return -1;
 }
 
 void TaskList::onNewTaskInfo(TaskInfo task, int index) {
-    if (index >= 0 && index < tasks_.size()) {
-        tasks_[index] = task;
+    QList<TaskInfoSetting> edited = tasks_;
+    if (index >= 0 && index < edited.size()) {
+        edited[index] = task;
     } else {
-        tasks_.append(task);
+        edited.append(task);
     }
-    writeTaskListToJsonFile();
+    if (!replaceTasks(edited)) {
+        emit taskFileNotWritten(taskFilePath());
+    }
+}
+
+bool TaskList::replaceTasks(const QList<TaskInfoSetting>& tasks) {
+    // The list changes only with the file: a task the user sees is a task the file holds.
+    if (!replaceTaskFile(taskFileBytes(tasks))) {
+        return false;
+    }
+    tasks_ = tasks;
     updateDisplayTaskList();
+    return true;
 }
 
 void TaskList::updateDisplayTaskList() {

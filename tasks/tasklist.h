@@ -23,16 +23,18 @@ public:
     // missing, unreadable or not a non-empty JSON object; 0 otherwise.
     int readTaskListFromJsonFile();
 
-    // Writes the whole list to the file. A failed write leaves the old file and is not
-    // reported (the list in memory keeps the change). Returns 0.
+    // Writes the whole list to the file. Returns 0, or -1 when it could not be written (full
+    // or read-only card), leaving the old file as it was.
     int writeTaskListToJsonFile();
 
     // Puts one task object, as the remote client sent it, into the file: in place of the task
     // with the same "taskId", or first when there is none. Returns -1 when the file cannot be
-    // read or parsed, 0 otherwise. The list in memory follows only when it is reloaded.
+    // read, parsed or written (a failed write leaves the old file), 0 otherwise. The list in
+    // memory follows only when it is reloaded.
     int updateTaskListFromJsonObject(const QJsonObject& task);
 
-    // Removes the task from the list and the file. Returns -1 when no task has that id.
+    // Removes the task from the list and the file. Returns -1 when no task has that id, -2
+    // when the file could not be written (the list and the file then keep the task).
     int deleteTaskByTaskId(const QString& taskId);
 
     // Rebuilds the task names the screens show.
@@ -40,13 +42,17 @@ public:
 
 public slots:
     // From the task editor: replaces the task at `index` when it is a position in the list,
-    // and otherwise appends the new task at the end; then saves the list.
+    // and otherwise appends the new task at the end; then saves the list. When the file cannot
+    // be written, the list and the file stay as they were and taskFileNotWritten is emitted.
     void onNewTaskInfo(TaskInfo task, int index);
 
 signals:
     void displayTaskListChanged(const QStringList& names);
+    void taskFileNotWritten(const QString& path);
 
 private:
+    bool replaceTasks(const QList<TaskInfoSetting>& tasks);
+
     QList<TaskInfoSetting> tasks_;
     QStringList displayTaskList_;
 };

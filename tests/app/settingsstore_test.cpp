@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "readonlyfolder.h"
 #include "taskjson.h"
 #include "tasklist.h"
 #include "temproot.h"
@@ -83,8 +84,27 @@ TEST_F(SettingsFile, AWriteReachesTheFileAtOnceAndReplacesItWhole) {
 
 TEST_F(SettingsFile, TheConnectorIdAdvancesInTheFile) {
     SettingsStore store;
-    EXPECT_EQ(store.increaseConnectorId(), "SN1234567891");
+    QString next;
+    EXPECT_TRUE(store.increaseConnectorId(next));
+    EXPECT_EQ(next, "SN1234567891");
     EXPECT_EQ(SettingsStore().textValue(SettingsStore::kSnText), "SN1234567891");
+}
+
+TEST_F(SettingsFile, AReadOnlyCardRefusesEveryWriteAndKeepsBothFiles) {
+    SettingsStore store;
+    ASSERT_TRUE(store.setValue(SettingsStore::kSnText, "SN7"));
+    ASSERT_TRUE(writeFile(taskFilePath(), "{\"taskInfo\": []}"));
+    const QByteArray settingsBefore = fileContents(settingsFilePath());
+    ReadOnlyFolder readOnly(root_.file("etc"));
+    if (!readOnly.active()) {
+        GTEST_SKIP() << "cannot make a folder read-only here";
+    }
+    QString next;
+    EXPECT_FALSE(store.increaseConnectorId(next));
+    EXPECT_FALSE(store.setValue(SettingsStore::kOperator, "Night shift"));
+    EXPECT_FALSE(store.restoreFactorySettings());
+    EXPECT_EQ(fileContents(settingsFilePath()), settingsBefore);
+    EXPECT_EQ(fileContents(taskFilePath()), "{\"taskInfo\": []}");
 }
 
 TEST(ConnectorId, TheTrailingNumberCountsUpDigitByDigitAndTheHeadStays) {

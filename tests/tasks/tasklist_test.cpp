@@ -7,6 +7,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include "readonlyfolder.h"
 #include "taskjson.h"
 #include "temproot.h"
 
@@ -138,4 +139,22 @@ TEST_F(TaskListFile, DeletingRemovesTheTaskAndAnUnknownIdChangesNothing) {
     EXPECT_EQ(list_.tasks().size(), 15);
     EXPECT_FALSE(idsInFile().contains(second));
     EXPECT_EQ(list_.displayTaskList().size(), 15);
+}
+
+TEST_F(TaskListFile, AReadOnlyCardRefusesEveryWriteAndKeepsFileAndList) {
+    const QByteArray before = fileBytes();
+    ReadOnlyFolder readOnly(root_.file("etc"));
+    if (!readOnly.active()) {
+        GTEST_SKIP() << "cannot make a folder read-only here";
+    }
+    QString notWritten;
+    QObject::connect(&list_, &TaskList::taskFileNotWritten,
+                     [&](const QString& path) { notWritten = path; });
+    list_.onNewTaskInfo(userTask("Lost", "44444444-4444-4444-8444-444444444444"), 16);
+    EXPECT_EQ(notWritten, taskFilePath());
+    EXPECT_EQ(list_.deleteTaskByTaskId(taskText(list_.tasks()[1].taskId)), -2);
+    EXPECT_EQ(list_.updateTaskListFromJsonObject(taskToJson(list_.tasks()[0])), -1);
+    EXPECT_EQ(list_.writeTaskListToJsonFile(), -1);
+    EXPECT_EQ(list_.tasks().size(), 16) << "the list shows what the file holds";
+    EXPECT_EQ(fileBytes(), before);
 }
