@@ -6,7 +6,9 @@
 #include <QMutex>
 #include <QMutexLocker>
 
+#include "atomicfile.h"
 #include "platformroot.h"
+#include "resulttemplates.h"
 #include "shellrunner.h"
 
 namespace {
@@ -20,8 +22,8 @@ struct LanguageFiles {
 
 LanguageFiles languageFiles(int language) {
     const QString tag = language != 0 ? QStringLiteral("_CN") : QStringLiteral("_EN");
-    return {platformPath("/etc/MeasureResultDataTemplate" + tag + ".xlsx"),
-            platformPath("/etc/MeasureResultReportTemplate" + tag + ".xlsx"),
+    return {resultTemplatePath("MeasureResultDataTemplate" + tag + ".xlsx"),
+            resultTemplatePath("MeasureResultReportTemplate" + tag + ".xlsx"),
             "/MeasureData" + tag + ".xlsx", tag + ".xlsx"};
 }
 
@@ -48,12 +50,11 @@ bool writesReport(int saveMode) {
     return saveMode != kSaveData;
 }
 
-// The template is copied under a temporary name and renamed: a power cut during the copy
-// must not leave a half-copied workbook under the day's name, which every later measurement
-// of the day would fail to open.
+// The template is copied in one step: a power cut during the copy must not leave a half-copied
+// workbook under the day's name, which every later measurement of the day would fail to open.
 bool copyDataTemplate(const QString& dataTemplate, const QString& dataFile) {
-    const QString partial = dataFile + ".part";
-    return runShellCommand("cp", {dataTemplate, partial}) == 0 && QFile::rename(partial, dataFile);
+    QFile source(dataTemplate);
+    return source.open(QIODevice::ReadOnly) && writeFileAtomically(dataFile, source.readAll());
 }
 
 bool prepareDayFolder(const QString& dayFolder, const QString& dataFile,
@@ -84,7 +85,6 @@ SaveOutcome saveMeasureResultSF(const SingleFiberResultRecord& record) {
     // workbook.
     static QMutex saving;
     const QMutexLocker lock(&saving);
-    installTemplatesIfMissing();
     const LanguageFiles files = languageFiles(record.language);
     const QString dayFolder = resultDayFolder(record.time);
     const QString dataFile = dayFolder + files.dataFileName;

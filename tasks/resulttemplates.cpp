@@ -42,6 +42,15 @@ const QStringList& resultTemplateNames() {
     return names;
 }
 
+QString resultTemplatePath(const QString& name) {
+    const QString installed = platformPath("/etc/" + name);
+    if (QFileInfo(installed).isFile()) {
+        return installed;
+    }
+    registerTemplateResources();
+    return ":/templates/" + name;
+}
+
 bool installTemplatesIfMissing() {
     registerTemplateResources();
     if (!QDir().mkpath(platformPath("/etc"))) {
