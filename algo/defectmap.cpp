@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "nobadalloc.h"
+
 namespace {
 
 constexpr int kBorder = 4;
@@ -21,13 +23,15 @@ double GetPixelDefectThresh(const unsigned char* image, int x, int y, int width,
 }
 
 int GetFiberDefectMap::SetRadiusList(const int* radii, const double* thresholds, int count) {
-    if (count < 0 || count > kMaxRings) {
-        return -1;
-    }
-    std::copy(radii, radii + 2 * count, radii_);
-    std::copy(thresholds, thresholds + count, thresholds_);
-    count_ = count;
-    return count;
+    return minusOneOnBadAlloc([&] {
+        if (count < 0 || count > kMaxRings) {
+            return -1;
+        }
+        std::copy(radii, radii + 2 * count, radii_);
+        std::copy(thresholds, thresholds + count, thresholds_);
+        count_ = count;
+        return count;
+    });
 }
 
 int GetFiberDefectMap::largestRadius() const {

@@ -5,6 +5,7 @@
 
 #include "fibercenterregion.h"
 #include "lsellipse.h"
+#include "nobadalloc.h"
 
 namespace {
 
@@ -119,40 +120,42 @@ void FillPoints(const unsigned char* binary, int width, int height, int cx, int 
 
 int AlgGetFiberCenterXY(const unsigned char* image8, int width, int height, int expectedRadius,
                         int& x, int& y, int& r) {
-    if (image8 == nullptr || width <= 0 || height <= 0 || width > kMaxPictureSide ||
-        height > kMaxPictureSide) {
-        return -1;
-    }
-    GetFiberCenterRegion region;
-    std::unique_ptr<unsigned char[]> work(
-        new (std::nothrow) unsigned char[static_cast<size_t>(width) * height]);
-    if (!work) {
-        return -1;
-    }
-    const int code =
-        region.AlgGetFiberCenterXY2(image8, work.get(), width, height, expectedRadius, x, y, r);
-    if (code != 1) {
-        return code;
-    }
+    return minusOneOnBadAlloc([&] {
+        if (image8 == nullptr || width <= 0 || height <= 0 || width > kMaxPictureSide ||
+            height > kMaxPictureSide) {
+            return -1;
+        }
+        GetFiberCenterRegion region;
+        std::unique_ptr<unsigned char[]> work(
+            new (std::nothrow) unsigned char[static_cast<size_t>(width) * height]);
+        if (!work) {
+            return -1;
+        }
+        const int code =
+            region.AlgGetFiberCenterXY2(image8, work.get(), width, height, expectedRadius, x, y, r);
+        if (code != 1) {
+            return code;
+        }
 
-    // At most four sweeps of two rays each per row or column step: far below the capacity.
-    static_assert(4 * 2 * (kMaxPictureSide / 8 + 1) <= kFillPointsCapacity, "edge points fit");
-    std::unique_ptr<int[]> xs(new (std::nothrow) int[kFillPointsCapacity]);
-    std::unique_ptr<int[]> ys(new (std::nothrow) int[kFillPointsCapacity]);
-    if (!xs || !ys) {
-        return -1;
-    }
-    int n = 0;
-    FillPoints(work.get(), width, height, x, y, 8, xs.get(), ys.get(), n);
-    work.reset();
-    if (n < kMinEdgePoints) {
-        return 0;
-    }
+        // At most four sweeps of two rays each per row or column step: far below the capacity.
+        static_assert(4 * 2 * (kMaxPictureSide / 8 + 1) <= kFillPointsCapacity, "edge points fit");
+        std::unique_ptr<int[]> xs(new (std::nothrow) int[kFillPointsCapacity]);
+        std::unique_ptr<int[]> ys(new (std::nothrow) int[kFillPointsCapacity]);
+        if (!xs || !ys) {
+            return -1;
+        }
+        int n = 0;
+        FillPoints(work.get(), width, height, x, y, 8, xs.get(), ys.get(), n);
+        work.reset();
+        if (n < kMinEdgePoints) {
+            return 0;
+        }
 
-    double ellipse[5];
-    LSEllipse().cvFitEllipse2f(xs.get(), ys.get(), n, ellipse);
-    x = static_cast<int>(ellipse[0]);
-    y = static_cast<int>(ellipse[1]);
-    r = static_cast<int>(ellipse[2] * 0.5 + 0.5);
-    return 1;
+        double ellipse[5];
+        LSEllipse().cvFitEllipse2f(xs.get(), ys.get(), n, ellipse);
+        x = static_cast<int>(ellipse[0]);
+        y = static_cast<int>(ellipse[1]);
+        r = static_cast<int>(ellipse[2] * 0.5 + 0.5);
+        return 1;
+    });
 }

@@ -5,6 +5,8 @@
 #include <memory>
 #include <new>
 
+#include "nobadalloc.h"
+
 namespace {
 
 constexpr unsigned char kSet = 255;
@@ -318,32 +320,34 @@ void GetFiberCenterRegion::CenterOrgBitmap2(const unsigned char* image, unsigned
 int GetFiberCenterRegion::AlgGetFiberCenterXY2(const unsigned char* image8, unsigned char* work,
                                                int width, int height, int expectedRadius, int& x,
                                                int& y, int& r) {
-    if (width <= 0 || height <= 0 || width > width_ || height > height_) {
-        return -1;
-    }
-    const int thresh = ClarityGetPriThresh(image8, width, height);
-    const int bwWidth = width / scale_;
-    const int bwHeight = height / scale_;
-    std::unique_ptr<unsigned char[]> bw(
-        new (std::nothrow) unsigned char[static_cast<size_t>(bwWidth) * bwHeight]);
-    if (!bw) {
-        return -1;
-    }
-    ClarityImage2BW(image8, width, height, thresh, bw.get(), bwWidth, bwHeight);
-    ImgErode(bw.get(), bwWidth, bwHeight);
-    ClarityLabeling(bw.get(), bwWidth, bwHeight);
+    return minusOneOnBadAlloc([&] {
+        if (width <= 0 || height <= 0 || width > width_ || height > height_) {
+            return -1;
+        }
+        const int thresh = ClarityGetPriThresh(image8, width, height);
+        const int bwWidth = width / scale_;
+        const int bwHeight = height / scale_;
+        std::unique_ptr<unsigned char[]> bw(
+            new (std::nothrow) unsigned char[static_cast<size_t>(bwWidth) * bwHeight]);
+        if (!bw) {
+            return -1;
+        }
+        ClarityImage2BW(image8, width, height, thresh, bw.get(), bwWidth, bwHeight);
+        ImgErode(bw.get(), bwWidth, bwHeight);
+        ClarityLabeling(bw.get(), bwWidth, bwHeight);
 
-    const int code = ClarityGetObjCenter2(x, y, expectedRadius / scale_);
-    if (code == 1) {
-        // The object's center is a sum of two half-resolution coordinates: scale / 2 of it is
-        // the full-resolution center.
-        x = scale_ * x / 2;
-        y = scale_ * y / 2;
-        r = scale_ * r / 2;
-        CenterOrgBitmap2(image8, work, width, height, thresh);
-    } else {
-        x = width / 2;
-        y = height / 2;
-    }
-    return code;
+        const int code = ClarityGetObjCenter2(x, y, expectedRadius / scale_);
+        if (code == 1) {
+            // The object's center is a sum of two half-resolution coordinates: scale / 2 of it is
+            // the full-resolution center.
+            x = scale_ * x / 2;
+            y = scale_ * y / 2;
+            r = scale_ * r / 2;
+            CenterOrgBitmap2(image8, work, width, height, thresh);
+        } else {
+            x = width / 2;
+            y = height / 2;
+        }
+        return code;
+    });
 }

@@ -7,6 +7,7 @@
 #include "defectmap.h"
 #include "defectrings.h"
 #include "findvaliddefect.h"
+#include "nobadalloc.h"
 
 namespace {
 
@@ -57,27 +58,29 @@ int AlgGetFiberDefect(const unsigned char* image, const unsigned char* maskRegio
                       const unsigned char* zoneMap, TaskInfoSetting& task, int width, int height,
                       int centerX, int centerY, float scale, const int* bands, int bandCount,
                       defect_info_struct* defectList, short* labelMap, int maxDefects) {
-    Rings rings;
-    if (bandCount < 0 || !ringsOfTask(task, bands, bandCount, scale, rings)) {
-        return -1;
-    }
-    GetFiberDefectMap map;
-    map.SetRadiusList(rings.radii.data(), rings.thresholds.data(),
-                      static_cast<int>(rings.thresholds.size()));
-    map.GetNearBwDefectImgMap(image, defectMap, width, height, centerX, centerY);
-    if (maskRegion != nullptr) {
-        applyMask(defectMap, maskRegion, static_cast<long>(width) * height);
-    }
+    return minusOneOnBadAlloc([&] {
+        Rings rings;
+        if (bandCount < 0 || !ringsOfTask(task, bands, bandCount, scale, rings)) {
+            return -1;
+        }
+        GetFiberDefectMap map;
+        map.SetRadiusList(rings.radii.data(), rings.thresholds.data(),
+                          static_cast<int>(rings.thresholds.size()));
+        map.GetNearBwDefectImgMap(image, defectMap, width, height, centerX, centerY);
+        if (maskRegion != nullptr) {
+            applyMask(defectMap, maskRegion, static_cast<long>(width) * height);
+        }
 
-    GetFiberValidDefect extractor;
-    const int count =
-        extractor.GetValidDefect(defectMap, defectMap2, zoneMap, width, height, centerX, centerY);
-    if (count == -1 || count > maxDefects) {
-        return -1;
-    }
-    defect_info_struct* found = extractor.GetDefectList();
-    DefecetFilter(found, count, task, scale);
-    SetDefectRectPixel(found, width, height, count, nullptr, labelMap, 255);
-    std::copy(found, found + count, defectList);
-    return count;
+        GetFiberValidDefect extractor;
+        const int count = extractor.GetValidDefect(defectMap, defectMap2, zoneMap, width, height,
+                                                   centerX, centerY);
+        if (count == -1 || count > maxDefects) {
+            return -1;
+        }
+        defect_info_struct* found = extractor.GetDefectList();
+        DefecetFilter(found, count, task, scale);
+        SetDefectRectPixel(found, width, height, count, nullptr, labelMap, 255);
+        std::copy(found, found + count, defectList);
+        return count;
+    });
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "nobadalloc.h"
+
 namespace {
 
 constexpr int kInitialStack = 1600;
@@ -61,19 +63,22 @@ int FloodFill::Fill(unsigned char* image, unsigned char* mark, const unsigned ch
                     int width, int height, int x, int y, unsigned char newColor,
                     unsigned char oldColor, unsigned char markValue, int& minX, int& minY,
                     int& maxX, int& maxY, int& minZone) {
-    Region region{mark, zoneMap, markValue, 2000, 2000, 0, 0, kNoZoneValue};
-    const int filled = fillColumns(image, width, height, x, y, newColor, oldColor, &region);
-    minX = region.minX;
-    minY = region.minY;
-    maxX = region.maxX;
-    maxY = region.maxY;
-    minZone = zoneMap != nullptr ? region.minZone : 0;
-    return filled;
+    return minusOneOnBadAlloc([&] {
+        Region region{mark, zoneMap, markValue, 2000, 2000, 0, 0, kNoZoneValue};
+        const int filled = fillColumns(image, width, height, x, y, newColor, oldColor, &region);
+        minX = region.minX;
+        minY = region.minY;
+        maxX = region.maxX;
+        maxY = region.maxY;
+        minZone = zoneMap != nullptr ? region.minZone : 0;
+        return filled;
+    });
 }
 
 int FloodFill::Fill(unsigned char* image, int width, int height, int x, int y,
                     unsigned char newColor, unsigned char oldColor) {
-    return fillColumns(image, width, height, x, y, newColor, oldColor, nullptr);
+    return minusOneOnBadAlloc(
+        [&] { return fillColumns(image, width, height, x, y, newColor, oldColor, nullptr); });
 }
 
 int FloodFill::fillColumns(unsigned char* image, int width, int height, int x, int y,

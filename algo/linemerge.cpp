@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "nobadalloc.h"
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -109,27 +111,31 @@ void LineMerge::addCandidate(const ScratchRecord& segment) {
 
 int LineMerge::FillDataCenter(const ScratchRecord* segments, int n, double cx, double cy,
                               int minLength, int maxWidth) {
-    prepare(n);
-    cx_ = cx;
-    cy_ = cy;
-    aboutCenter_ = true;
-    for (int i = 0; i < n; ++i) {
-        if (FillPoint(segments[i], minLength) && FillPointWidth(segments[i], maxWidth)) {
-            addCandidate(segments[i]);
+    return minusOneOnBadAlloc([&] {
+        prepare(n);
+        cx_ = cx;
+        cy_ = cy;
+        aboutCenter_ = true;
+        for (int i = 0; i < n; ++i) {
+            if (FillPoint(segments[i], minLength) && FillPointWidth(segments[i], maxWidth)) {
+                addCandidate(segments[i]);
+            }
         }
-    }
-    return int(items_.size());
+        return int(items_.size());
+    });
 }
 
 int LineMerge::FillData(const std::vector<ScratchRecord>& scratches, int minLength, int maxWidth) {
-    prepare(int(scratches.size()));
-    aboutCenter_ = false;
-    for (const ScratchRecord& scratch : scratches) {
-        if (FillPoint(scratch, minLength) && FillPointWidth(scratch, maxWidth)) {
-            addCandidate(scratch);
+    return minusOneOnBadAlloc([&] {
+        prepare(int(scratches.size()));
+        aboutCenter_ = false;
+        for (const ScratchRecord& scratch : scratches) {
+            if (FillPoint(scratch, minLength) && FillPointWidth(scratch, maxWidth)) {
+                addCandidate(scratch);
+            }
         }
-    }
-    return int(items_.size());
+        return int(items_.size());
+    });
 }
 
 // The work array keeps its first capacity of 2048 candidates and grows to the exact number
@@ -162,8 +168,10 @@ void LineMerge::SortAry() {
 
 int LineMerge::MultiMergeLine(double angleTol, double p, double gap,
                               std::vector<ScratchRecord>& out) {
-    SetPara(angleTol, int(p), int(gap));
-    return GetPartOne(out);
+    return minusOneOnBadAlloc([&] {
+        SetPara(angleTol, int(p), int(gap));
+        return GetPartOne(out);
+    });
 }
 
 bool LineMerge::joins(const Candidate& seed, const Candidate& candidate, double extentFirst,

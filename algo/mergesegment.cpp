@@ -1,6 +1,7 @@
 #include "mergesegment.h"
 
 #include "linemerge.h"
+#include "nobadalloc.h"
 
 namespace {
 
@@ -112,24 +113,26 @@ MergeSettings mergeSettingsFor(int sens) {
 
 int MergeLumaspecSegment(const ScratchRecord* segments, int n, int cx, int cy,
                          std::vector<ScratchRecord>& out, int sens) {
-    if (sens < 1 || sens > 20) {
-        return 0;
-    }
-    const MergeSettings settings = mergeSettingsFor(sens);
-    LineMerge merge;
-    merge.FillDataCenter(segments, n, cx, cy, settings.minLength, settings.maxWidth);
-    merge.SortAry();
-    std::vector<ScratchRecord> firstRound;
-    if (merge.MultiMergeLine(settings.first.angleTol, settings.first.p, settings.first.gap,
-                             firstRound) == 0) {
-        return 0;
-    }
-    merge.FillData(firstRound, kSecondRoundMinLength, kSecondRoundMaxWidth);
-    merge.SortAry();
-    std::vector<ScratchRecord> scratches;
-    merge.MultiMergeLine(settings.second.angleTol, settings.second.p, settings.second.gap,
-                         scratches);
-    LineMerge::ExcludeLength(scratches, settings.minSpan);
-    out.insert(out.end(), scratches.begin(), scratches.end());
-    return int(scratches.size());
+    return minusOneOnBadAlloc([&] {
+        if (sens < 1 || sens > 20) {
+            return 0;
+        }
+        const MergeSettings settings = mergeSettingsFor(sens);
+        LineMerge merge;
+        merge.FillDataCenter(segments, n, cx, cy, settings.minLength, settings.maxWidth);
+        merge.SortAry();
+        std::vector<ScratchRecord> firstRound;
+        if (merge.MultiMergeLine(settings.first.angleTol, settings.first.p, settings.first.gap,
+                                 firstRound) == 0) {
+            return 0;
+        }
+        merge.FillData(firstRound, kSecondRoundMinLength, kSecondRoundMaxWidth);
+        merge.SortAry();
+        std::vector<ScratchRecord> scratches;
+        merge.MultiMergeLine(settings.second.angleTol, settings.second.p, settings.second.gap,
+                             scratches);
+        LineMerge::ExcludeLength(scratches, settings.minSpan);
+        out.insert(out.end(), scratches.begin(), scratches.end());
+        return int(scratches.size());
+    });
 }

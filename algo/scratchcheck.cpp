@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mergesegment.h"
+#include "nobadalloc.h"
 #include "scratchannuli.h"
 #include "scratchgeometry.h"
 #include "segmentsearch.h"
@@ -99,28 +100,30 @@ int FindLines(const unsigned char* image, int width, int height, int cx, int cy,
               double searchRadius, double circleRadius, const std::vector<double>& searchAnnuli,
               const defect_info_struct* defectRects, int defectRectCount, int sens, int capacity,
               std::vector<ScratchRecord>& out) {
-    double* segments = nullptr;
-    int segmentCount = 0;
-    FindLumaspecSegment(image, width, height, cx, cy, searchRadius, circleRadius,
-                        int(searchAnnuli.size() / 2), searchAnnuli.data(), defectRects,
-                        defectRectCount, sens, &segments, &segmentCount);
-    std::vector<ScratchRecord> scratches;
-    MergeLumaspecSegment(reinterpret_cast<const ScratchRecord*>(segments), segmentCount, cx, cy,
-                         scratches, sens);
-    freeLineSegments(segments);
+    return minusOneOnBadAlloc([&] {
+        double* segments = nullptr;
+        int segmentCount = 0;
+        FindLumaspecSegment(image, width, height, cx, cy, searchRadius, circleRadius,
+                            int(searchAnnuli.size() / 2), searchAnnuli.data(), defectRects,
+                            defectRectCount, sens, &segments, &segmentCount);
+        std::vector<ScratchRecord> scratches;
+        MergeLumaspecSegment(reinterpret_cast<const ScratchRecord*>(segments), segmentCount, cx, cy,
+                             scratches, sens);
+        freeLineSegments(segments);
 
-    // A scratch that reaches into the inspection circle is taken across the whole circle.
-    for (ScratchRecord& s : scratches) {
-        if (CheckInCircle(s.x1, s.y1, s.x2, s.y2, cx, cy, circleRadius)) {
-            GetLineCirclePoint(s.x1, s.y1, s.x2, s.y2, cx, cy, circleRadius, s.x1, s.y1, s.x2,
-                               s.y2);
+        // A scratch that reaches into the inspection circle is taken across the whole circle.
+        for (ScratchRecord& s : scratches) {
+            if (CheckInCircle(s.x1, s.y1, s.x2, s.y2, cx, cy, circleRadius)) {
+                GetLineCirclePoint(s.x1, s.y1, s.x2, s.y2, cx, cy, circleRadius, s.x1, s.y1, s.x2,
+                                   s.y2);
+            }
         }
-    }
-    if (int(scratches.size()) > capacity) {
-        return -1;
-    }
-    out = std::move(scratches);
-    return int(out.size());
+        if (int(scratches.size()) > capacity) {
+            return -1;
+        }
+        out = std::move(scratches);
+        return int(out.size());
+    });
 }
 
 int FindSectionScratch(const unsigned char* image, int width, int height, ScratchRecord* scratches,
@@ -128,25 +131,27 @@ int FindSectionScratch(const unsigned char* image, int width, int height, Scratc
                        float pixelSize, int cx, int cy, double outerDiameter, double circleDiameter,
                        const double* excludedRanges, int excludedRangeCount,
                        const defect_info_struct* defectRects, int defectRectCount) {
-    count = 0;
-    const int sens = scratchSensitivity(task);
-    if (sens == 0) {
-        setScratchVerdicts(task);
-        return 0;
-    }
-    std::vector<ScratchRecord> found;
-    const int n = FindLines(
-        image, width, height, cx, cy, diameterToRadiusPx(outerDiameter, pixelSize),
-        diameterToRadiusPx(circleDiameter, pixelSize),
-        scratchSearchAnnuli(task, pixelSize, outerDiameter, excludedRanges, excludedRangeCount),
-        defectRects, defectRectCount, sens, capacity, found);
-    if (n == -1) {
-        return -1;
-    }
-    std::copy(found.begin(), found.end(), scratches);
-    gradeScratches(task, scratches, n, cx, cy, pixelSize, zoneIndex);
-    count = n;
-    return n;
+    return minusOneOnBadAlloc([&] {
+        count = 0;
+        const int sens = scratchSensitivity(task);
+        if (sens == 0) {
+            setScratchVerdicts(task);
+            return 0;
+        }
+        std::vector<ScratchRecord> found;
+        const int n = FindLines(
+            image, width, height, cx, cy, diameterToRadiusPx(outerDiameter, pixelSize),
+            diameterToRadiusPx(circleDiameter, pixelSize),
+            scratchSearchAnnuli(task, pixelSize, outerDiameter, excludedRanges, excludedRangeCount),
+            defectRects, defectRectCount, sens, capacity, found);
+        if (n == -1) {
+            return -1;
+        }
+        std::copy(found.begin(), found.end(), scratches);
+        gradeScratches(task, scratches, n, cx, cy, pixelSize, zoneIndex);
+        count = n;
+        return n;
+    });
 }
 
 void gradeScratches(TaskInfoSetting& task, const ScratchRecord* scratches, int n, int cx, int cy,

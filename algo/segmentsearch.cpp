@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "nobadalloc.h"
+
 namespace {
 
 // The instrument's detector settings (the paper suggests a scale of 0.8 and quant 2.0).
@@ -110,22 +112,24 @@ int FindLumaspecSegment(const unsigned char* image, int width, int height, int c
                         double rLimit, int annulusCount, const double* annulusRadii,
                         const defect_info_struct* exclusions, int exclusionCount, int sens,
                         double** segments, int* segmentCount) {
-    const Crop crop = searchCrop(width, height, cx, cy, r, rLimit);
-    *segments = nullptr;
-    *segmentCount = 0;
-    if (crop.width <= 0 || crop.height <= 0) {
-        return 0;
-    }
-    const LumaspecSegmentSettings settings = lumaspecSegmentSettings(sens);
-    double* pixels = toDoubles(image, width, crop);
-    defect_info_struct* rects = translated(exclusions, exclusionCount, crop);
-    *segments = LineSegmentDetection(
-        segmentCount, pixels, crop.width, crop.height, kScale, settings.sigmaScale, kQuant, kAngTh,
-        kLogEps, kDensityTh, kBins, kFaintLogEps, kFaintQuant, kFaintAngTh, kFaintDensityTh,
-        nullptr, nullptr, nullptr, settings.mode, cx - crop.left, cy - crop.top, r, annulusCount,
-        annulusRadii, rects, exclusionCount);
-    std::free(rects);
-    std::free(pixels);
-    toFrame(*segments, *segmentCount, crop);
-    return *segmentCount;
+    return minusOneOnBadAlloc([&] {
+        const Crop crop = searchCrop(width, height, cx, cy, r, rLimit);
+        *segments = nullptr;
+        *segmentCount = 0;
+        if (crop.width <= 0 || crop.height <= 0) {
+            return 0;
+        }
+        const LumaspecSegmentSettings settings = lumaspecSegmentSettings(sens);
+        double* pixels = toDoubles(image, width, crop);
+        defect_info_struct* rects = translated(exclusions, exclusionCount, crop);
+        *segments = LineSegmentDetection(
+            segmentCount, pixels, crop.width, crop.height, kScale, settings.sigmaScale, kQuant,
+            kAngTh, kLogEps, kDensityTh, kBins, kFaintLogEps, kFaintQuant, kFaintAngTh,
+            kFaintDensityTh, nullptr, nullptr, nullptr, settings.mode, cx - crop.left,
+            cy - crop.top, r, annulusCount, annulusRadii, rects, exclusionCount);
+        std::free(rects);
+        std::free(pixels);
+        toFrame(*segments, *segmentCount, crop);
+        return *segmentCount;
+    });
 }
