@@ -4,6 +4,7 @@
 #include <QMutexLocker>
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 
 #include "finddefect.h"
 #include "overlaysf.h"
@@ -68,9 +69,9 @@ bool MeasureSingleFiberThread::startMeasureSingleFiber(TaskInfoSetting task, uns
         return false;
     }
     // The inputs are written under the run's lock: a run in progress reads them, so a second
-    // start is refused rather than made to overwrite them.
-    QMutexLocker lock(&runLock_);
-    if (busy_) {
+    // start is refused rather than made to overwrite them (or to wait for the whole run).
+    std::unique_lock<QMutex> lock(runLock_, std::try_to_lock);
+    if (!lock.owns_lock() || busy_) {
         return false;
     }
     // The previous run has released the lock and is only returning; start() on a thread that
