@@ -46,7 +46,12 @@ QString settingsFilePath() {
     return platformPath("/etc/toxlocal.conf");
 }
 
-SettingsStore::SettingsStore() : settings_(settingsFilePath(), QSettings::IniFormat) {}
+SettingsStore::SettingsStore() : settings_(settingsFilePath(), QSettings::IniFormat) {
+    // Operator names and ids are often Chinese: read the file as UTF-8 (as any editor writes
+    // it) and write UTF-8 rather than Qt's own escapes, so that the texts reach the workbooks
+    // as typed.
+    settings_.setIniCodec("UTF-8");
+}
 
 QVariant SettingsStore::valueOrDefault(const char* key) const {
     return settings_.value(key, readerDefaults().value(key));

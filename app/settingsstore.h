@@ -5,8 +5,8 @@
 #include <QVariant>
 
 // The user settings of the instrument, "/etc/toxlocal.conf" in ini format, every key in the
-// [General] group. A missing key reads as its default; every write reaches the file at once
-// (replacing it in one step) and is followed by "sync".
+// [General] group, in UTF-8. A missing key reads as its default; every write reaches the file at
+// once (replacing it in one step) and is followed by "sync".
 class SettingsStore {
 public:
     // The keys, spelled as in the file.

@@ -1,6 +1,7 @@
 #include "platformroot.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
 
@@ -16,14 +17,27 @@ QString withoutTrailingSlash(QString dir) {
     return dir;
 }
 
+// A host never works on "/": without a usable root we keep to a folder of our own under the
+// user's temporary folder. A TMPDIR of "/" would put it at the host's top, and one that does
+// not exist would have it created there, so either falls back to /tmp; without that either,
+// the program refuses to go on.
+QString fallbackHostRoot() {
+    for (const QString& temporary : {QDir::tempPath(), QStringLiteral("/tmp")}) {
+        const QString folder = QDir::cleanPath(temporary);
+        if (folder != "/" && QFileInfo(folder).isDir()) {
+            return folder + "/lumaspecter-root";
+        }
+    }
+    qFatal("no platform root: set LUMASPECTER_ROOT to a folder");
+}
+
 QString hostRootFromEnvironment() {
     const QString fromEnvironment =
         withoutTrailingSlash(QDir(qEnvironmentVariable("LUMASPECTER_ROOT")).absolutePath());
     if (!qEnvironmentVariableIsEmpty("LUMASPECTER_ROOT") && !fromEnvironment.isEmpty()) {
         return fromEnvironment;
     }
-    // A host never works on "/": without a usable root we keep to a folder of our own.
-    return QDir::tempPath() + "/lumaspecter-root";
+    return fallbackHostRoot();
 }
 
 }  // namespace

@@ -8,25 +8,27 @@
 
 namespace {
 
-#ifndef LUMASPECTER_INSTRUMENT
-bool isHarmlessOnHost(const QString& program) {
-    static const QStringList harmless = {"sync", "cp", "mv", "mkdir", "chmod"};
-    return harmless.contains(program);
+// The file commands and "sync" are the system's own, in /bin on the instrument and on every
+// Debian host. They are started by that path: a PATH set by whoever started the program could
+// otherwise put another "sync" or "cp" in their place.
+bool isSystemCommand(const QString& program) {
+    static const QStringList system = {"sync", "cp", "mv", "mkdir", "chmod"};
+    return system.contains(program);
 }
-#endif
 
 }  // namespace
 
 QString resolveShellCommand(const QString& program) {
-#ifdef LUMASPECTER_INSTRUMENT
-    return program;
-#else
-    if (isHarmlessOnHost(program)) {
-        return program;
+    if (isSystemCommand(program)) {
+        return "/bin/" + program;
     }
-    const QString name = QFileInfo(program).fileName();
-    const QString standIn = platformPath("/usr/local/bin/" + name);
-    return QFileInfo(standIn).isExecutable() ? standIn : QString();
+    // Board commands live in /usr/local/bin on the instrument; on a host the same place under
+    // the platform root holds their stand-ins.
+    const QString board = platformPath("/usr/local/bin/" + QFileInfo(program).fileName());
+#ifdef LUMASPECTER_INSTRUMENT
+    return board;
+#else
+    return QFileInfo(board).isExecutable() ? board : QString();
 #endif
 }
 

@@ -7,11 +7,11 @@
 // "reboot", ...). It runs the command synchronously and returns its exit status, or -1 when
 // the command could not be started or did not end normally.
 //
-// On a development host only commands that are harmless to the host run as they are ("sync",
-// and the file commands, whose paths the caller has already put under the platform root).
-// Every other command is a board command: it resolves to the stand-in
-// "<root>/usr/local/bin/<name>" and is refused when that stand-in is missing, so a real
-// "reboot" can never reach a host.
+// Every command is started by its absolute path, never searched on PATH. "sync" and the file
+// commands (whose paths the caller has already put under the platform root) are the system's
+// own in /bin. Every other command is a board command in "/usr/local/bin"; on a development
+// host that resolves to the stand-in "<root>/usr/local/bin/<name>" and is refused when the
+// stand-in is missing, so a real "reboot" can never reach a host.
 int runShellCommand(const QString& program, const QStringList& arguments = {});
 
 // The program the runner would start for this command name ("" when it refuses).

@@ -11,6 +11,7 @@
 #include "resultfiles.h"
 #include "scratchcheck.h"
 #include "sectionmap.h"
+#include "taskgrading.h"
 
 namespace {
 
@@ -65,7 +66,7 @@ bool MeasureSingleFiberThread::startMeasureSingleFiber(TaskInfoSetting task, uns
                                                        int left, int top, int centerX, int centerY,
                                                        int fiberFlag, int saveType,
                                                        QString connectorId, int language) {
-    if (width < 5 || height < 5 || long(width) * height > kMaxRegionPixels) {
+    if (!regionProblem(width, height, centerX, centerY).isEmpty()) {
         return false;
     }
     // The inputs are written under the run's lock: a run in progress reads them, so a second
@@ -100,6 +101,27 @@ void MeasureSingleFiberThread::setReportTexts(const QString& describer, const QS
     describer_ = describer;
     manufacturer_ = manufacturer;
     operatorName_ = operatorName;
+}
+
+QString MeasureSingleFiberThread::regionProblem(int width, int height, int centerX, int centerY) {
+    if (width < 5 || height < 5) {
+        return QStringLiteral("the region of %1 x %2 pixels is too small (at least 5 x 5)")
+            .arg(width)
+            .arg(height);
+    }
+    if (qint64(width) * height > kMaxRegionPixels) {
+        return QStringLiteral("the region of %1 x %2 pixels is larger than a frame")
+            .arg(width)
+            .arg(height);
+    }
+    if (centerX < 0 || centerX >= width || centerY < 0 || centerY >= height) {
+        return QStringLiteral("the fiber center (%1, %2) lies outside the region of %3 x %4")
+            .arg(centerX)
+            .arg(centerY)
+            .arg(width)
+            .arg(height);
+    }
+    return QString();
 }
 
 int MeasureSingleFiberThread::maxMeasureSizeSF(const TaskInfoSetting& task) {
@@ -219,17 +241,48 @@ void MeasureSingleFiberThread::saveResultFiles() {
     record.describer = describer_;
     record.manufacturer = manufacturer_;
     record.operatorName = operatorName_;
-    switch (saveMeasureResultSF(record)) {
+    QString failure;
+    switch (saveMeasureResultSF(record, &failure)) {
         case SaveOutcome::NoSdCard:
             emit noSDCard();
             break;
         case SaveOutcome::InvalidFileName:
             emit invalidFileName();
             break;
+        case SaveOutcome::Failed:
+            emit resultFilesNotSaved(failure);
+            break;
         case SaveOutcome::NotSaved:
         case SaveOutcome::Saved:
             break;
     }
+}
+
+// Detection, grading and the result files; a detector that fails still leaves its partial
+// counts, the overlay and the saved files, as the instrument has always kept them.
+void MeasureSingleFiberThread::measureAndGrade() {
+    QElapsedTimer timer;
+    timer.start();
+    detectDefects();
+    times_.defects = elapsedMs(timer);
+    timer.restart();
+    detectScratches();
+    times_.scratches = elapsedMs(timer);
+    collectResults();
+    pass_ = defectSidePasses() && scratchSidePasses();
+    if (defectCount_ == -1) {
+        failure_ = QStringLiteral(
+                       "the defect search failed (more than %1 defects, or more "
+                       "rings than the defect map holds)")
+                       .arg(kMaxDefects);
+    } else if (scratchCount_ == -1) {
+        failure_ =
+            QStringLiteral("the scratch search failed (more than %1 scratches)").arg(kMaxScratches);
+    }
+    timer.restart();
+    drawOverlay();
+    times_.overlay = elapsedMs(timer);
+    saveResultFiles();
 }
 
 void MeasureSingleFiberThread::run() {
@@ -241,19 +294,18 @@ void MeasureSingleFiberThread::run() {
     if (mask_ != nullptr) {
         copyMaskRegion();
     }
-    QElapsedTimer timer;
-    timer.start();
-    detectDefects();
-    times_.defects = elapsedMs(timer);
-    timer.restart();
-    detectScratches();
-    times_.scratches = elapsedMs(timer);
-    collectResults();
-    pass_ = defectSidePasses() && scratchSidePasses();
-    timer.restart();
-    drawOverlay();
-    times_.overlay = elapsedMs(timer);
-    saveResultFiles();
+    // A task that grades nothing would pass every connector: no detection, no verdict, no
+    // files, only the picture with its zone circles and the reason.
+    failure_ = taskGradingProblem(task_);
+    if (failure_.isEmpty()) {
+        measureAndGrade();
+    } else {
+        pass_ = false;
+        drawOverlay();
+    }
+    if (!failure_.isEmpty()) {
+        emit measureSingleFiberFailed(failure_);
+    }
     emit measureSingleFiberFinished(pass_, &overlay_, &measured_, &results_);
     busy_ = false;
 }

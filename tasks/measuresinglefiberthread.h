@@ -41,7 +41,7 @@ public:
     // at most kMaxRegionPixels) at (left, top) in the frame, with the fiber at (centerX,
     // centerY) in it; `mask` (may be null) the sensor mask of the whole frame, 255 on pixels to
     // ignore. fiberFlag, saveType, connectorId and language are kept for the result files.
-    // Also returns false, starting nothing, when the region does not fit the buffers.
+    // Also returns false, starting nothing, when regionProblem() finds fault with the region.
     bool startMeasureSingleFiber(TaskInfoSetting task, unsigned char* image, unsigned char* mask,
                                  int width, int height, int left, int top, int centerX, int centerY,
                                  int fiberFlag, int saveType, QString connectorId, int language);
@@ -50,12 +50,20 @@ public:
     void setReportTexts(const QString& describer, const QString& manufacturer,
                         const QString& operatorName);
 
+    // Why a region cannot be measured, or "" when it can: smaller than 5 x 5 pixels, larger
+    // than the buffers (a frame), or with the fiber center outside it (a center far outside
+    // would also overflow the zone and defect maps' distance arithmetic).
+    static QString regionProblem(int width, int height, int centerX, int centerY);
+
     // The largest outer diameter of the task's zones (um), 0 without zones: what the region
     // cut around the fiber must cover.
     static int maxMeasureSizeSF(const TaskInfoSetting& task);
 
     // The last run's results (read after the signal, before the next start).
     bool passed() const { return pass_; }
+    // Why the last run gave no verdict that can be trusted, "" when it graded the end face: a
+    // task that grades nothing (nothing was detected or saved), or a detector that failed.
+    const QString& failure() const { return failure_; }
     int defectCount() const { return defectCount_; }
     int scratchCount() const { return scratchCount_; }
     const defect_info_struct* defects() const { return defectList_.data(); }
@@ -76,6 +84,12 @@ signals:
     // name a file: nothing was written.
     void noSDCard();
     void invalidFileName();
+    // The result files the save mode asks for could not be written (a full or read-only card,
+    // a name too long for the file system); the reason names the file and the system's cause.
+    void resultFilesNotSaved(QString reason);
+    // Emitted just before measureSingleFiberFinished (whose verdict is then false) when the run
+    // could not grade: the reason is failure(), for the screen to show.
+    void measureSingleFiberFailed(QString reason);
 
 protected:
     void run() override;
@@ -98,6 +112,7 @@ private:
     bool defectSidePasses() const;
     bool scratchSidePasses() const;
     void collectResults();
+    void measureAndGrade();
     void drawOverlay();
     void saveResultFiles();
 
@@ -130,6 +145,7 @@ private:
     int defectCount_ = 0;
     int scratchCount_ = 0;
     bool pass_ = false;
+    QString failure_;
     QImage overlay_;
     QImage measured_;
     QList<TaskZoneResult> results_;

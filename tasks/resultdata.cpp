@@ -22,13 +22,20 @@ void writeZones(XlsxWorkbook& workbook, int row, const TaskInfoSetting& task) {
     }
 }
 
+bool failWith(const XlsxWorkbook& workbook, QString* error) {
+    if (error != nullptr) {
+        *error = workbook.errorString();
+    }
+    return false;
+}
+
 }  // namespace
 
-bool saveMeasureResultDataAsXlsxSF(const QString& dataFile, const SingleFiberResultRecord& record) {
+bool saveMeasureResultDataAsXlsxSF(const QString& dataFile, const SingleFiberResultRecord& record,
+                                   QString* error) {
     XlsxWorkbook workbook;
     if (!workbook.open(dataFile)) {
-        qWarning("result data not saved: %s", qPrintable(workbook.errorString()));
-        return false;
+        return failWith(workbook, error);
     }
     const int row = qMax(workbook.lastUsedRow() + 1, kDataFirstRow);
     const QStringList values = measurementValues(record);
@@ -36,9 +43,5 @@ bool saveMeasureResultDataAsXlsxSF(const QString& dataFile, const SingleFiberRes
         workbook.setText(row, index + 1, values[index]);
     }
     writeZones(workbook, row, record.task);
-    if (!workbook.saveAs(dataFile)) {
-        qWarning("result data not saved: %s", qPrintable(workbook.errorString()));
-        return false;
-    }
-    return true;
+    return workbook.saveAs(dataFile) || failWith(workbook, error);
 }

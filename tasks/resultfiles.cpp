@@ -1,13 +1,11 @@
 #include "resultfiles.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMutex>
-#include <QMutexLocker>
 
 #include "atomicfile.h"
-#include "platformroot.h"
+#include "filelock.h"
+#include "folderpath.h"
 #include "resulttemplates.h"
 #include "shellrunner.h"
 
@@ -52,23 +50,50 @@ bool writesReport(int saveMode) {
 
 // The template is copied in one step: a power cut during the copy must not leave a half-copied
 // workbook under the day's name, which every later measurement of the day would fail to open.
-bool copyDataTemplate(const QString& dataTemplate, const QString& dataFile) {
+bool copyDataTemplate(const QString& dataTemplate, const QString& dataFile, QString& error) {
     QFile source(dataTemplate);
-    return source.open(QIODevice::ReadOnly) && writeFileAtomically(dataFile, source.readAll());
-}
-
-bool prepareDayFolder(const QString& dayFolder, const QString& dataFile,
-                      const QString& dataTemplate) {
-    if (!QDir().mkpath(dayFolder + "/Report")) {
-        qWarning("result folder %s cannot be created", qPrintable(dayFolder));
+    if (!source.open(QIODevice::ReadOnly)) {
+        error = QStringLiteral("cannot read %1: %2").arg(dataTemplate, source.errorString());
         return false;
     }
-    return QFileInfo::exists(dataFile) || copyDataTemplate(dataTemplate, dataFile);
+    return writeFileAtomically(dataFile, source.readAll(), &error);
+}
+
+// Writes what the mode asks for into the day folder; false with the first problem in error.
+bool saveDueFiles(const SingleFiberResultRecord& record, const QString& dayFolder, QString& error) {
+    if (!makeFolderPath(dayFolder + "/Report", &error)) {
+        return false;
+    }
+    // The day's workbook is read, changed and replaced by whoever holds this lock. A lock
+    // within this program would not do: the batch tool and the instrument may share a card,
+    // and two read-modify-writes at once lose one of the rows.
+    const FileLock lock(dayFolder + "/.MeasureData.lock");
+    if (!lock.locked()) {
+        error = lock.error();
+        return false;
+    }
+    const LanguageFiles files = languageFiles(record.language);
+    const QString dataFile = dayFolder + files.dataFileName;
+    bool saved =
+        QFileInfo::exists(dataFile) || copyDataTemplate(files.dataTemplate, dataFile, error);
+    if (saved && writesData(record.saveMode)) {
+        saved = saveMeasureResultDataAsXlsxSF(dataFile, record, &error);
+    }
+    if (writesReport(record.saveMode)) {
+        const QString reportFile = dayFolder + "/Report/" + record.connectorId + files.reportSuffix;
+        QString reportError;
+        if (!saveMeasureResultReportAsXlsxSF(reportFile, files.reportTemplate, record,
+                                             &reportError)) {
+            error = saved ? reportError : error;
+            saved = false;
+        }
+    }
+    return saved;
 }
 
 }  // namespace
 
-SaveOutcome saveMeasureResultSF(const SingleFiberResultRecord& record) {
+SaveOutcome saveMeasureResultSF(const SingleFiberResultRecord& record, QString* failure) {
     if (record.saveMode == kSaveNothing) {
         return SaveOutcome::NotSaved;
     }
@@ -81,21 +106,11 @@ SaveOutcome saveMeasureResultSF(const SingleFiberResultRecord& record) {
     if (!isDue(record.saveMode, record.passed)) {
         return SaveOutcome::NotSaved;
     }
-    // One save at a time: measurements saved from several threads append to the same day's
-    // workbook.
-    static QMutex saving;
-    const QMutexLocker lock(&saving);
-    const LanguageFiles files = languageFiles(record.language);
-    const QString dayFolder = resultDayFolder(record.time);
-    const QString dataFile = dayFolder + files.dataFileName;
-    bool saved = prepareDayFolder(dayFolder, dataFile, files.dataTemplate);
-    if (saved && writesData(record.saveMode)) {
-        saved = saveMeasureResultDataAsXlsxSF(dataFile, record);
-    }
-    if (writesReport(record.saveMode)) {
-        const QString reportFile = dayFolder + "/Report/" + record.connectorId + files.reportSuffix;
-        saved = saveMeasureResultReportAsXlsxSF(reportFile, files.reportTemplate, record) && saved;
-    }
+    QString error;
+    const bool saved = saveDueFiles(record, resultDayFolder(record.time), error);
     runShellCommand("sync");
-    return saved ? SaveOutcome::Saved : SaveOutcome::NotSaved;
+    if (!saved && failure != nullptr) {
+        *failure = error;
+    }
+    return saved ? SaveOutcome::Saved : SaveOutcome::Failed;
 }

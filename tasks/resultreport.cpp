@@ -43,7 +43,7 @@ bool placePicture(XlsxWorkbook& workbook, const QImage& image, int column, const
 }  // namespace
 
 bool saveMeasureResultReportAsXlsxSF(const QString& reportFile, const QString& templateFile,
-                                     const SingleFiberResultRecord& record) {
+                                     const SingleFiberResultRecord& record, QString* error) {
     XlsxWorkbook workbook;
     bool ok = workbook.open(templateFile);
     if (ok) {
@@ -53,8 +53,8 @@ bool saveMeasureResultReportAsXlsxSF(const QString& reportFile, const QString& t
              placePicture(workbook, record.overlay, kReportAnalyseColumn, "Analyse") &&
              workbook.saveAs(reportFile);
     }
-    if (!ok) {
-        qWarning("result report not saved: %s", qPrintable(workbook.errorString()));
+    if (!ok && error != nullptr) {
+        *error = workbook.errorString();
     }
     return ok;
 }

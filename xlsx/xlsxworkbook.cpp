@@ -88,8 +88,9 @@ bool XlsxWorkbook::saveAs(const QString& path) {
     if (!package.write(zip)) {
         return fail(QStringLiteral("the workbook could not be packed"));
     }
-    if (!writeFileAtomically(path, zip)) {
-        return fail(QStringLiteral("cannot write %1").arg(path));
+    QString writeError;
+    if (!writeFileAtomically(path, zip, &writeError)) {
+        return fail(writeError);
     }
     return true;
 }

@@ -36,6 +36,9 @@ bool SingleFiberInspection::measure(const TaskInfoSetting& task, const MeasureRe
         QObject::connect(&run_, &MeasureSingleFiberThread::invalidFileName, [&] {
             saveProblem = QString("not saved: \"%1\" cannot name a file").arg(outputs.connectorId);
         });
+    const QMetaObject::Connection notSaved =
+        QObject::connect(&run_, &MeasureSingleFiberThread::resultFilesNotSaved,
+                         [&](const QString& reason) { saveProblem = "not saved: " + reason; });
     const bool started = run_.startMeasureSingleFiber(
         task, const_cast<unsigned char*>(region.pixels), const_cast<unsigned char*>(mask),
         region.width, region.height, region.left, region.top, region.centerX, region.centerY, 1,
@@ -43,5 +46,6 @@ bool SingleFiberInspection::measure(const TaskInfoSetting& task, const MeasureRe
     run_.wait();
     QObject::disconnect(noCard);
     QObject::disconnect(badName);
+    QObject::disconnect(notSaved);
     return started;
 }

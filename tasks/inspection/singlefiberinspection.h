@@ -41,8 +41,9 @@ public:
     MeasureRegion cutWindow(const uint16_t* frame10, const FiberPlace& place);
 
     // Measures a region with the task and the sensor mask of the whole frame (may be null) and
-    // waits for the run. Returns false, measuring nothing, when the region does not fit the
-    // run's buffers; `saveProblem` says why result files that were asked for were not written.
+    // waits for the run. Returns false, measuring nothing, when the run refuses the region
+    // (MeasureSingleFiberThread::regionProblem says why); `saveProblem` says why result files
+    // that were asked for were not written. A run that could not grade tells run().failure().
     bool measure(const TaskInfoSetting& task, const MeasureRegion& region,
                  const unsigned char* mask, const MeasureOutputs& outputs, QString& saveProblem);
 

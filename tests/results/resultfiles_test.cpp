@@ -186,7 +186,7 @@ TEST_F(ResultFiles, ADamagedDayWorkbookIsNeitherOverwrittenNorLost) {
     damaged.close();
     const QByteArray before = fileContents(dataFile());
 
-    EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN2", kSaveData)), SaveOutcome::NotSaved);
+    EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN2", kSaveData)), SaveOutcome::Failed);
     EXPECT_EQ(fileContents(dataFile()), before) << "what is left of the day stays for rescue";
 }
 

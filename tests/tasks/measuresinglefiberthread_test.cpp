@@ -100,13 +100,13 @@ TEST(MeasureSingleFiber, ACleanEndFacePassesWithOneResultPerZone) {
     EXPECT_EQ(reported.size(), 3);
 }
 
-TEST(MeasureSingleFiber, ATaskWithoutZonesPassesWithAnEmptyList) {
+TEST(MeasureSingleFiber, ATaskWithoutZonesFailsWithAnEmptyList) {
     MeasureSingleFiberThread thread;
     RenderedRegion region({spotAt(30, 0, 8, 60)});
     TaskInfoSetting none = firstTask();
     none.sectionNum = 0;
     measure(thread, region, none);
-    EXPECT_TRUE(thread.passed());
+    EXPECT_FALSE(thread.passed()) << "a task that grades nothing passes nothing";
     EXPECT_TRUE(thread.results().isEmpty());
 }
 

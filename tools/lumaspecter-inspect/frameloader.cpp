@@ -1,46 +1,89 @@
 #include "frameloader.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QtEndian>
+#include <algorithm>
 #include <opencv2/imgcodecs.hpp>
+
+#include "pictureheader.h"
+#include "regularfile.h"
 
 namespace {
 
 constexpr uint16_t kMaxSample = 1023;
+// Far above any frame or region file (a raw frame, or an uncompressed picture with its
+// metadata), so that a huge file is refused before it is read into memory.
+constexpr qint64 kMaxInputBytes = 16 * 1024 * 1024;
+
+enum class Shape { Frame, Region };
 
 int fail(QString& error, const QString& reason) {
     error = reason;
     return -1;
 }
 
-// An 8-bit grayscale picture, or an empty matrix with the reason in error.
-cv::Mat readGrayPicture(const QString& path, QString& error) {
-    const cv::Mat picture = cv::imread(path.toStdString(), cv::IMREAD_UNCHANGED);
+// Why a picture of this size and layout is not what the shape takes, or "" when it is.
+QString pictureProblem(qint64 width, qint64 height, int channels, int bits, Shape shape) {
+    if (channels != 1 || bits != 8) {
+        return QString("not an 8-bit grayscale picture: %1 x %2-bit samples per pixel")
+            .arg(channels)
+            .arg(bits);
+    }
+    if (shape == Shape::Frame && (width != kSensorWidth || height != kSensorHeight)) {
+        return QString("picture is %1 x %2, expected %3 x %4")
+            .arg(width)
+            .arg(height)
+            .arg(kSensorWidth)
+            .arg(kSensorHeight);
+    }
+    // Each side alone first: a header's two 32-bit sides can overflow their product.
+    if (shape == Shape::Region &&
+        (width > kSensorPixels || height > kSensorPixels || width * height > kSensorPixels)) {
+        return QString("picture of %1 x %2 is larger than a frame").arg(width).arg(height);
+    }
+    return QString();
+}
+
+// The picture's header says whether decoding is worth it. A palette picture passes here with
+// its one 8-bit index and is judged by what it decodes to.
+QString headerProblem(const QByteArray& bytes, Shape shape) {
+    PictureHeader header;
+    if (!readPictureHeader(bytes, header)) {
+        return "not a readable picture";
+    }
+    // Samples of fewer bits are widened to 8 by the decoder.
+    return pictureProblem(header.width, header.height, header.channels,
+                          std::max(header.bitsPerSample, 8), shape);
+}
+
+cv::Mat decode(const QByteArray& bytes) {
+    try {
+        const cv::Mat encoded(1, int(bytes.size()), CV_8UC1, const_cast<char*>(bytes.constData()));
+        return cv::imdecode(encoded, cv::IMREAD_UNCHANGED);
+    } catch (const cv::Exception&) {
+        return cv::Mat();  // the decoder's own refusal: taken as an unreadable picture
+    }
+}
+
+// An 8-bit grayscale picture of the shape, or an empty matrix with the reason in error.
+cv::Mat readGrayPicture(const QByteArray& bytes, Shape shape, QString& error) {
+    error = headerProblem(bytes, shape);
+    if (!error.isEmpty()) {
+        return cv::Mat();
+    }
+    const cv::Mat picture = decode(bytes);
     if (picture.empty()) {
         error = "not a readable picture";
         return cv::Mat();
     }
-    if (picture.depth() != CV_8U || picture.channels() != 1) {
-        error = QString("not an 8-bit grayscale picture: %1 x %2-bit samples per pixel")
-                    .arg(picture.channels())
-                    .arg(picture.elemSize1() * 8);
-        return cv::Mat();
-    }
-    return picture;
+    error = pictureProblem(picture.cols, picture.rows, picture.channels(),
+                           int(picture.elemSize1() * 8), shape);
+    return error.isEmpty() ? picture : cv::Mat();
 }
 
-int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& error) {
-    const cv::Mat picture = readGrayPicture(path, error);
+int pictureFrame(const QByteArray& bytes, std::vector<uint16_t>& frame, QString& error) {
+    const cv::Mat picture = readGrayPicture(bytes, Shape::Frame, error);
     if (picture.empty()) {
         return -1;
-    }
-    if (picture.cols != kSensorWidth || picture.rows != kSensorHeight) {
-        return fail(error, QString("picture is %1 x %2, expected %3 x %4")
-                               .arg(picture.cols)
-                               .arg(picture.rows)
-                               .arg(kSensorWidth)
-                               .arg(kSensorHeight));
     }
     frame.resize(size_t(kSensorWidth) * kSensorHeight);
     for (int y = 0; y < picture.rows; ++y) {
@@ -62,12 +105,8 @@ int firstSampleAbove10Bits(const std::vector<uint16_t>& frame) {
     return -1;
 }
 
-int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(error, "cannot open: " + file.errorString());
-    }
-    const qint64 size = file.size();
+int rawFrame(const QByteArray& bytes, std::vector<uint16_t>& frame, QString& error) {
+    const qint64 size = bytes.size();
     if (size < kRawFrameBytes) {
         return fail(error,
                     QString("truncated raw frame: %1 of %2 bytes").arg(size).arg(kRawFrameBytes));
@@ -78,12 +117,7 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
                                .arg(kRawFrameBytes));
     }
     frame.resize(size_t(kSensorWidth) * kSensorHeight);
-    if (file.read(reinterpret_cast<char*>(frame.data()), kRawFrameBytes) != kRawFrameBytes) {
-        return fail(error, "read failed: " + file.errorString());
-    }
-    for (uint16_t& sample : frame) {
-        sample = qFromLittleEndian(sample);
-    }
+    qFromLittleEndian<uint16_t>(bytes.constData(), qsizetype(frame.size()), frame.data());
     const int bad = firstSampleAbove10Bits(frame);
     if (bad >= 0) {
         return fail(error, QString("not a 10-bit raw frame: sample at (%1, %2) is %3")
@@ -94,28 +128,20 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
     return 1;
 }
 
-// Whether the path names a file that can be read, with the reason in error if not.
-bool isReadableFile(const QString& path, QString& error) {
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        error = "no such file";
-        return false;
-    }
-    if (info.isDir()) {
-        error = "is a folder";
-        return false;
-    }
-    return true;
-}
-
 }  // namespace
 
-int loadGrayRegion(const QString& path, std::vector<unsigned char>& region, int& width, int& height,
-                   QString& error) {
-    if (!isReadableFile(path, error)) {
-        return -1;
+int frameFromBytes(const QByteArray& bytes, std::vector<uint16_t>& frame, QString& error) {
+    // Pictures are told apart by their signature, so a raw frame may have any name. No raw
+    // frame begins like a picture: those first words are all above 10 bits.
+    if (hasPictureSignature(bytes)) {
+        return pictureFrame(bytes, frame, error);
     }
-    const cv::Mat picture = readGrayPicture(path, error);
+    return rawFrame(bytes, frame, error);
+}
+
+int regionFromBytes(const QByteArray& bytes, std::vector<unsigned char>& region, int& width,
+                    int& height, QString& error) {
+    const cv::Mat picture = readGrayPicture(bytes, Shape::Region, error);
     if (picture.empty()) {
         return -1;
     }
@@ -129,12 +155,18 @@ int loadGrayRegion(const QString& path, std::vector<unsigned char>& region, int&
 }
 
 int loadRawFrame(const QString& path, std::vector<uint16_t>& frame, QString& error) {
-    if (!isReadableFile(path, error)) {
+    QByteArray bytes;
+    if (!readRegularFile(path, kMaxInputBytes, bytes, error)) {
         return -1;
     }
-    // Pictures are told apart by their signature, so a raw frame may have any name.
-    if (cv::haveImageReader(path.toStdString())) {
-        return loadPicture(path, frame, error);
+    return frameFromBytes(bytes, frame, error);
+}
+
+int loadGrayRegion(const QString& path, std::vector<unsigned char>& region, int& width, int& height,
+                   QString& error) {
+    QByteArray bytes;
+    if (!readRegularFile(path, kMaxInputBytes, bytes, error)) {
+        return -1;
     }
-    return loadRaw(path, frame, error);
+    return regionFromBytes(bytes, region, width, height, error);
 }

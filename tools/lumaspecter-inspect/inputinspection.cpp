@@ -1,9 +1,11 @@
 #include "inputinspection.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+#include "atomicfile.h"
 #include "inspectionjson.h"
 
 namespace {
@@ -12,11 +14,26 @@ double elapsedMs(const QElapsedTimer& timer) {
     return timer.nsecsElapsed() / 1e6;
 }
 
-void writeOverlays(const QString& folder, const QString& input,
-                   const MeasureSingleFiberThread& run) {
+// Encoded first and written in one step, so that a full or read-only folder is reported with
+// the system's reason instead of leaving a truncated picture.
+bool writePicture(const QImage& image, const QString& path, QString& error) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) {
+        error = "cannot encode " + path;
+        return false;
+    }
+    return writeFileAtomically(path, png, &error);
+}
+
+void writeOverlays(const QString& folder, const QString& input, const MeasureSingleFiberThread& run,
+                   QStringList& problems) {
     const QString base = QDir(folder).filePath(QFileInfo(input).completeBaseName());
-    run.overlay().save(base + "-overlay.png");
-    run.measuredImage().save(base + "-measured.png");
+    QString error;
+    if (!writePicture(run.overlay(), base + "-overlay.png", error) ||
+        !writePicture(run.measuredImage(), base + "-measured.png", error)) {
+        problems << "overlay not written: " + error;
+    }
 }
 
 void insertAll(QJsonObject& into, const QJsonObject& from) {
@@ -29,7 +46,7 @@ void insertAll(QJsonObject& into, const QJsonObject& from) {
 
 QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
                     const unsigned char* mask, const InspectionOutputs& outputs,
-                    SingleFiberInspection& inspection, QString& error, QString& saveProblem) {
+                    SingleFiberInspection& inspection, QString& error, QStringList& problems) {
     QElapsedTimer total, stage;
     total.start();
     QJsonObject result{{"image", input.path}};
@@ -51,17 +68,26 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
         mask = nullptr;
     }
 
+    QString saveProblem;
     if (!inspection.measure(task, region, mask, outputs.files, saveProblem)) {
-        error = QString("region of %1 x %2 pixels is larger than a frame")
-                    .arg(region.width)
-                    .arg(region.height);
+        error = MeasureSingleFiberThread::regionProblem(region.width, region.height, region.centerX,
+                                                        region.centerY);
         return QJsonObject();
     }
     const MeasureSingleFiberThread& run = inspection.run();
+    if (!run.failure().isEmpty()) {
+        // A run that could not grade has no verdict to print ("FAIL - -1 defects" would read
+        // as a dirty connector).
+        error = "not graded: " + run.failure();
+        return QJsonObject();
+    }
+    if (!saveProblem.isEmpty()) {
+        problems << saveProblem;
+    }
     insertAll(result, measurementJson(run, region));
     stage.start();
     if (!outputs.overlayFolder.isEmpty()) {
-        writeOverlays(outputs.overlayFolder, input.path, run);
+        writeOverlays(outputs.overlayFolder, input.path, run, problems);
     }
     const MeasureSingleFiberThread::StageTimes& times = run.stageTimes();
     result.insert("ms", QJsonObject{{"search", searchMs},

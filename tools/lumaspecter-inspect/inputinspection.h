@@ -25,8 +25,9 @@ struct InspectionOutputs {
 
 // Inspects one input as the instrument does after a trigger and returns the result as one
 // JSON object. The sensor mask (may be null) is not used for given regions, which have no
-// place on the sensor. `error` is set instead when the region does not fit the measurement's
-// buffers, and `saveProblem` when the result files could not be written.
+// place on the sensor. `error` is set instead when the measurement refuses the region or could
+// not grade (a task that grades nothing, a failed detector); `problems` receives why result
+// files or overlay pictures that were asked for could not be written.
 QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
                     const unsigned char* mask, const InspectionOutputs& outputs,
-                    SingleFiberInspection& inspection, QString& error, QString& saveProblem);
+                    SingleFiberInspection& inspection, QString& error, QStringList& problems);

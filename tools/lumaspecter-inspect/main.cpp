@@ -1,17 +1,19 @@
 // lumaspecter-inspect: inspects frames (or measurement regions) from files as the instrument
 // does after a trigger, and prints one line per input, in input order. Inputs that cannot be
-// read, and result files that cannot be saved, are reported on stderr; the others are still
-// inspected.
+// read or graded, and result files that cannot be saved, are reported on stderr; the others
+// are still inspected.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QThread>
+#include <algorithm>
 #include <condition_variable>
 #include <cstdio>
+#include <map>
 #include <mutex>
 #include <opencv2/core/utility.hpp>
 #include <thread>
@@ -20,6 +22,7 @@
 #include "frameloader.h"
 #include "inputinspection.h"
 #include "platformroot.h"
+#include "regularfile.h"
 #include "settingsstore.h"
 #include "taskchoice.h"
 #include "taskjson.h"
@@ -41,10 +44,9 @@ struct Options {
 };
 
 struct Outcome {
-    bool done = false;
     QJsonObject result;
-    QString error;
-    QString saveProblem;
+    QString error;         // the input was not inspected, or not graded
+    QStringList problems;  // files asked for that could not be written
 };
 
 int usageError(const QString& message) {
@@ -64,18 +66,22 @@ bool parseCenter(const QString& text, int& x, int& y) {
 
 // The sensor mask under the root, if there is one; false when it is there but unusable.
 bool loadMask(std::vector<unsigned char>& mask, QString& error) {
-    QFile file(platformPath("/etc/ccd_mask.dat"));
-    if (!file.exists()) {
+    const QString path = platformPath("/etc/ccd_mask.dat");
+    if (!QFileInfo::exists(path)) {
         return true;
     }
-    if (!file.open(QIODevice::ReadOnly) || file.size() != kMaskBytes) {
+    QByteArray bytes;
+    if (!readRegularFile(path, kMaskBytes, bytes, error)) {
+        error = path + ": " + error;
+        return false;
+    }
+    if (bytes.size() != kMaskBytes) {
         error = QString("%1: not a sensor mask (%2 bytes, expected %3)")
-                    .arg(file.fileName())
-                    .arg(file.size())
+                    .arg(path)
+                    .arg(bytes.size())
                     .arg(kMaskBytes);
         return false;
     }
-    const QByteArray bytes = file.readAll();
     mask.assign(bytes.begin(), bytes.end());
     return true;
 }
@@ -97,7 +103,7 @@ Outcome inspectOne(const QString& path, const Options& options, SingleFiberInspe
     if (readInput(path, options, input, outcome.error)) {
         outcome.result =
             inspect(input, options.task, options.mask.empty() ? nullptr : options.mask.data(),
-                    options.outputs, inspection, outcome.error, outcome.saveProblem);
+                    options.outputs, inspection, outcome.error, outcome.problems);
     }
     return outcome;
 }
@@ -116,14 +122,39 @@ QByteArray textLine(const QJsonObject& r) {
         .toUtf8();
 }
 
+void complain(const QString& input, const QString& problem) {
+    std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(input), qPrintable(problem));
+}
+
+// Prints one input's result line, or its error, and its problems; returns its exit status.
+int report(const QString& input, const Outcome& outcome, bool json) {
+    if (!outcome.error.isEmpty()) {
+        complain(input, outcome.error);
+        return 2;
+    }
+    const QByteArray line = json ? QJsonDocument(outcome.result).toJson(QJsonDocument::Compact)
+                                 : textLine(outcome.result);
+    std::printf("%s\n", line.constData());
+    std::fflush(stdout);
+    for (const QString& problem : outcome.problems) {
+        complain(input, problem);
+    }
+    return outcome.problems.isEmpty() ? 0 : 2;
+}
+
 // Inspects every input on `jobs` workers and prints the results in input order as they
-// become ready. Returns 2 when an input could not be read, 0 otherwise.
+// complete. A result is dropped once printed, and no worker runs more than two inputs per
+// worker ahead of the next one to print, so memory stays the same over any number of inputs.
+// Returns 2 when an input could not be read, graded or saved, 0 otherwise.
 int inspectAll(const Options& options) {
     const int n = options.inputs.size();
-    std::vector<Outcome> outcomes(static_cast<size_t>(n));
+    const int workerCount = std::min(options.jobs, n);
+    const int ahead = 2 * workerCount;
+    std::map<int, Outcome> done;  // inspected, not yet printed
     std::mutex mutex;
-    std::condition_variable ready;
-    int next = 0;
+    std::condition_variable changed;
+    int next = 0;     // the next input to inspect
+    int printed = 0;  // inputs printed so far
     auto worker = [&] {
         SingleFiberInspection inspection;
         inspection.run().setReportTexts(options.describer, options.manufacturer,
@@ -131,7 +162,8 @@ int inspectAll(const Options& options) {
         for (;;) {
             int index;
             {
-                std::lock_guard<std::mutex> lock(mutex);
+                std::unique_lock<std::mutex> lock(mutex);
+                changed.wait(lock, [&] { return next == n || next < printed + ahead; });
                 if (next == n) {
                     return;
                 }
@@ -139,36 +171,26 @@ int inspectAll(const Options& options) {
             }
             Outcome outcome = inspectOne(options.inputs[index], options, inspection);
             std::lock_guard<std::mutex> lock(mutex);
-            outcomes[size_t(index)] = std::move(outcome);
-            outcomes[size_t(index)].done = true;
-            ready.notify_all();
+            done.emplace(index, std::move(outcome));
+            changed.notify_all();
         }
     };
     std::vector<std::thread> workers;
-    for (int j = 0; j < std::min(options.jobs, n); ++j) {
+    for (int j = 0; j < workerCount; ++j) {
         workers.emplace_back(worker);
     }
     int status = 0;
     for (int i = 0; i < n; ++i) {
-        std::unique_lock<std::mutex> lock(mutex);
-        ready.wait(lock, [&] { return outcomes[size_t(i)].done; });
-        const Outcome& outcome = outcomes[size_t(i)];
-        if (!outcome.error.isEmpty()) {
-            std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(options.inputs[i]),
-                         qPrintable(outcome.error));
-            status = 2;
-            continue;
+        Outcome outcome;
+        {
+            std::unique_lock<std::mutex> lock(mutex);
+            changed.wait(lock, [&] { return done.count(i) != 0; });
+            outcome = std::move(done[i]);
+            done.erase(i);
+            printed = i + 1;
         }
-        const QByteArray line = options.json
-                                    ? QJsonDocument(outcome.result).toJson(QJsonDocument::Compact)
-                                    : textLine(outcome.result);
-        std::printf("%s\n", line.constData());
-        std::fflush(stdout);
-        if (!outcome.saveProblem.isEmpty()) {
-            std::fprintf(stderr, "lumaspecter-inspect: %s: %s\n", qPrintable(options.inputs[i]),
-                         qPrintable(outcome.saveProblem));
-            status = 2;
-        }
+        changed.notify_all();
+        status = std::max(status, report(options.inputs[i], outcome, options.json));
     }
     for (std::thread& thread : workers) {
         thread.join();
@@ -216,13 +238,17 @@ int main(int argc, char* argv[]) {
         !parseCenter(parser.value("center"), options.centerX, options.centerY)) {
         return usageError("--center takes X,Y in pixels");
     }
-    options.jobs = QThread::idealThreadCount();
+    const int cores = std::max(QThread::idealThreadCount(), 1);
+    options.jobs = cores;
     if (parser.isSet("jobs")) {
         bool ok = false;
         options.jobs = parser.value("jobs").toInt(&ok);
         if (!ok || options.jobs < 1) {
             return usageError("--jobs takes a number of at least 1");
         }
+        // Each job holds a whole measurement's buffers (some 15 MB), and more jobs than cores
+        // only wait for each other: 100000 jobs would take all the memory there is.
+        options.jobs = std::min(options.jobs, cores);
     }
     if (parser.isSet("overlay")) {
         options.outputs.overlayFolder = parser.value("overlay");
@@ -244,8 +270,12 @@ int main(int argc, char* argv[]) {
     options.describer = settings.textValue(SettingsStore::kDescriber);
     options.manufacturer = settings.textValue(SettingsStore::kManufacturer);
     options.operatorName = settings.textValue(SettingsStore::kOperator);
-    QString error;
-    if (!chooseTask(availableTasks(), parser.value("task"), options.task, error) ||
+    QString error, taskNote;
+    const QList<TaskInfoSetting> tasks = availableTasks(taskNote);
+    if (!taskNote.isEmpty()) {
+        std::fprintf(stderr, "lumaspecter-inspect: %s\n", qPrintable(taskNote));
+    }
+    if (!chooseTask(tasks, parser.value("task"), options.task, error) ||
         !loadMask(options.mask, error)) {
         return usageError(error);
     }

@@ -1,15 +1,21 @@
 #include "taskchoice.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include "settingsstore.h"
 #include "taskjson.h"
 #include "tasklist.h"
 
-QList<TaskInfoSetting> availableTasks() {
+QList<TaskInfoSetting> availableTasks(QString& note) {
     TaskList list;
-    if (list.readTaskListFromJsonFile() == 0 && !list.tasks().isEmpty()) {
+    const bool read = list.readTaskListFromJsonFile() == 0;
+    if (read && !list.tasks().isEmpty()) {
         return list.tasks();
+    }
+    if (QFileInfo::exists(taskFilePath())) {
+        note = QString("%1: %2; inspecting with the factory tasks")
+                   .arg(taskFilePath(), read ? "holds no task" : "not a task file");
     }
     QList<TaskInfoSetting> factory;
     QFile resource(":/conf/taskinfo.conf");
