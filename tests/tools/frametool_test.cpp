@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "endfacerenderer.h"
+#include "realsamples.h"
 #include "temproot.h"
 #include "testfiles.h"
 
@@ -216,16 +217,11 @@ TEST(InspectTool, ResultFilesAreSavedOnTheRootsSdCardOrTheFailureReported) {
 }
 
 TEST(InspectTool, RealEndFacesAreFoundAndInspected) {
-    const QString samples = realSamplesDir();
-    if (samples.isEmpty()) {
-        GTEST_SKIP() << "the real end-face pictures are not beside the project";
+    const QStringList pictures = realSamplePictures();
+    if (pictures.isEmpty()) {
+        GTEST_SKIP() << "no real end-face pictures in " << realSamplesDir().toStdString();
     }
     TempRoot root;
-    QStringList pictures;
-    for (const QString& name : QDir(samples).entryList({"*.png"}, QDir::Files, QDir::Name)) {
-        pictures << QDir(samples).filePath(name);
-    }
-    ASSERT_FALSE(pictures.isEmpty());
     const ToolRun run = inspect(QStringList({"--json", "--task", "IEC2.0-PC-MM-SF"}) + pictures);
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
     ASSERT_EQ(run.lines.size(), pictures.size());
