@@ -57,7 +57,8 @@ while IFS= read -r line; do
     elif ctest --test-dir "$build_dir" -j 2 --timeout 900 --stop-on-failure > "$backup/test.log" 2>&1; then
         verdict="SURVIVED"
     else
-        verdict="caught by $(grep -m1 -oE '(\*\*\*Failed|\*\*\*Timeout|\*\*\*Exception).*|[0-9]+ - [^ ]+' "$backup/test.log" | head -1)"
+        verdict="caught by $(grep -m1 -E 'Test +#[0-9]+: .*(\*\*\*|Subprocess)' "$backup/test.log" |
+            sed -E 's/.*Test +#[0-9]+: ([^ ]+).*/\1/')"
         caught=$((caught + 1))
     fi
     restore
