@@ -105,11 +105,10 @@ struct Settings {
     std::vector<defect_info_struct> exclusions;
 };
 
-double* runOn(const double* data, int width, int height, const Settings& s, int* n,
-              int** regionImage = nullptr, int* rx = nullptr, int* ry = nullptr) {
+double* runOn(const double* data, int width, int height, const Settings& s, int* n) {
     return LineSegmentDetection(n, data, width, height, s.scale, s.sigmaScale, s.quant, s.angTh,
-                                0.0, s.density, s.bins, 0.0, s.faintQuant, 22.5, 0.7, regionImage,
-                                rx, ry, s.mode, s.cx, s.cy, s.r, s.annuli.size() / 2.0,
+                                0.0, s.density, s.bins, 0.0, s.faintQuant, 22.5, 0.7, nullptr,
+                                nullptr, nullptr, s.mode, s.cx, s.cy, s.r, s.annuli.size() / 2.0,
                                 s.annuli.data(), s.exclusions.data(), int(s.exclusions.size()));
 }
 
@@ -177,23 +176,6 @@ TEST(LineSegmentDetection, AnEdgeIsAsMeaningfulAsItsPixelCountSays) {
                 << deg << " degrees";
         }
     }
-}
-
-TEST(LineSegmentDetection, WithoutSubSamplingEndpointsAreStillInPixelMiddles) {
-    // A vertical edge between columns 40 and 41 lies at x = 40.5.
-    Image im(100, 100, 50.0);
-    drawEdge(im, 40.5, 0.0, 1.0, 0.0, 100.0, 0.6);
-    Settings s;
-    s.scale = 1.0;
-    const std::vector<Segment> found = detect(im, s);
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_NEAR(found[0].x1, 40.5, 0.05);
-    EXPECT_NEAR(found[0].x2, 40.5, 0.05);
-    EXPECT_NEAR(std::fabs(found[0].y2 - found[0].y1), 98.0, 1.0);
-    // and sub-sampled, the same edge stays at 40.5
-    const std::vector<Segment> scaled = detect(im);
-    ASSERT_EQ(scaled.size(), 1u);
-    EXPECT_NEAR(scaled[0].x1, 40.5, 0.1);
 }
 
 // ---- what gives no detection -------------------------------------------------------------------
