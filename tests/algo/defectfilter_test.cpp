@@ -57,33 +57,3 @@ TEST(DefectGrading, CountsAndAreaGoToTheDefectsZone) {
     EXPECT_EQ(task.zoneResults[0].dMidNum, 1);
     EXPECT_EQ(defects[4].sizeClass, -1) << "outside every zone: not graded";
 }
-
-TEST(DefectGrading, ALimitAllowsExactlyThatManyAndMinusOneAny) {
-    TaskInfoSetting task = oneZone(2, 5);
-    task.sectionNum = 3;
-    task.sections[0].dNoBiggerLimit = -1;
-    task.sections[0].dBiggerLimit = 0;
-    task.sections[1] = oneZone(2, 5).sections[0];
-    task.sections[1].dMidLimit = 2;
-    task.sections[2] = task.sections[1];  // no defects here: passes whatever its limits
-    task.sections[2].dNoBiggerLimit = 0;
-    std::vector<defect_info_struct> defects(100, box(1, 1, 0));
-    defects.push_back(box(9, 9, 0));
-    defects.push_back(box(3, 3, 1));
-    defects.push_back(box(3, 3, 1));
-    DefecetFilter(defects.data(), int(defects.size()), task, kUnitScale);
-
-    EXPECT_EQ(task.zoneResults[0].dNoBiggerResult, 1);
-    EXPECT_EQ(task.zoneResults[0].dBiggerResult, 0) << "one large defect against a limit of 0";
-    EXPECT_EQ(task.zoneResults[1].dMidResult, 1) << "two against a limit of two";
-    EXPECT_EQ(task.zoneResults[2].dNoBiggerResult, 1);
-    EXPECT_EQ(task.zoneResults[2].dMidResult, 1);
-
-    defects.push_back(box(3, 3, 1));
-    TaskInfoSetting again = task;
-    for (TaskZoneResult& result : again.zoneResults) {
-        result = TaskZoneResult{};
-    }
-    DefecetFilter(defects.data(), int(defects.size()), again, kUnitScale);
-    EXPECT_EQ(again.zoneResults[1].dMidResult, 0) << "three against a limit of two";
-}

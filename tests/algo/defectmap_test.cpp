@@ -19,18 +19,6 @@ std::vector<int> ringsOf(int dMin, int dMax, std::vector<int> bands) {
     return rings;
 }
 
-TaskInfoSetting taskOf(int opticalType, int contactorType, std::vector<int> sensitivities) {
-    TaskInfoSetting task{};
-    task.opticalType = int16_t(opticalType);
-    task.contactorType = int16_t(contactorType);
-    task.sectionNum = int16_t(sensitivities.size());
-    for (size_t i = 0; i < sensitivities.size(); ++i) {
-        task.sections[i].dSensitivity = int16_t(sensitivities[i]);
-        task.sections[i].dCheck = 1;
-    }
-    return task;
-}
-
 std::vector<unsigned char> mapOf(const TestPicture& picture, std::vector<int> radii,
                                  std::vector<double> thresholds, int cx, int cy) {
     GetFiberDefectMap map;
@@ -77,22 +65,6 @@ TEST(DefectRings, ExcludedBandsCutTheZones) {
     EXPECT_EQ(ringsOf(0, 110, singleMode), std::vector<int>({0, 110})) << "band starts at the edge";
     EXPECT_EQ(ringsOf(0, 135, singleMode), std::vector<int>({0, 110, 135, 135}));
     EXPECT_EQ(ringsOf(10, 40, {}), std::vector<int>({10, 40}));
-}
-
-TEST(DefectRings, ThresholdsFollowTheZonesPositionAndTheTaskKind) {
-    // Optical type, contactor type, the zones' sensitivities and their thresholds.
-    const std::vector<std::vector<int>> cases[] = {
-        {{0, 0}, {3, 6, 6}, {11, 16 - 7, 40 - 8}},
-        {{1, 0}, {3, 5}, {21, 16 - 6}},
-        {{1, 1}, {10, 6, 6}, {24 - 10 + 5, 20 - 7, 40 - 7}},
-        {{0, 1}, {5}, {14 - 5 + 5}},
-    };
-    for (const auto& c : cases) {
-        const TaskInfoSetting task = taskOf(c[0][0], c[0][1], c[1]);
-        for (size_t z = 0; z < c[1].size(); ++z) {
-            EXPECT_EQ(zoneDefectThreshold(task, int(z)), c[2][z]) << c[0][0] << c[0][1] << z;
-        }
-    }
 }
 
 TEST(DefectRings, DiametersBecomeTruncatedPixelRadii) {

@@ -203,19 +203,6 @@ TEST(FillPoints, StopsAtTheCapacityOfItsArrays) {
     }
 }
 
-TEST(FiberCenter, ADarkDiscIsFittedToItsCenterAndRadius) {
-    TestPicture picture(320, 320, kFerrule);
-    picture.disc(157.0, 164.0, 122.0, kCladding);
-    // A small bright core: the sweeps go on past it, since they stop only where two samples
-    // 8 px apart are both outside the fiber.
-    picture.disc(157.0, 164.0, 5.0, 220);
-    int x = -5, y = -5, r = 0;
-    ASSERT_EQ(AlgGetFiberCenterXY(picture.data(), 320, 320, 122, x, y, r), 1);
-    EXPECT_NEAR(x, 157, 1);
-    EXPECT_NEAR(y, 164, 1);
-    EXPECT_NEAR(r, 122, 2);
-}
-
 TEST(FiberCenter, TooFewEdgePointsKeepTheBlobCenter) {
     TestPicture picture(320, 320, kFerrule);
     picture.disc(160, 160, 122, kCladding);

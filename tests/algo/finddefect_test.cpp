@@ -52,22 +52,6 @@ struct Detection {
 
 }  // namespace
 
-TEST(FindDefect, ASpotIsFoundGradedAndLabelled) {
-    Detection d;
-    d.picture.rectangle(120, 90, 6, 5, 90);
-    ASSERT_EQ(d.run(), 1);
-    const defect_info_struct& spot = d.defects[0];
-    EXPECT_LE(spot.left, 120);
-    EXPECT_GE(spot.right, 125);
-    EXPECT_LE(spot.top, 90);
-    EXPECT_GE(spot.bottom, 94);
-    EXPECT_EQ(spot.zone, 0);
-    EXPECT_EQ(d.task.zoneResults[0].dNoBiggerNum + d.task.zoneResults[0].dMidNum, 1);
-    EXPECT_EQ(d.labels[92 * kSize + 122], 0);
-    EXPECT_EQ(d.labels[10 * kSize + 10], -1);
-    EXPECT_EQ(d.map2[92 * kSize + 121], 255);
-}
-
 TEST(FindDefect, AMaskOf255HidesADefectAndOf254DoesNot) {
     for (unsigned char maskValue : {254, 255}) {
         Detection d;
@@ -120,4 +104,32 @@ TEST(FindDefect, ATaskThatWouldNeedMoreThanTenRingsIsRefused) {
     EXPECT_EQ(d.run(), -1);
     d.task.sectionNum = 5;  // ten
     EXPECT_EQ(d.run(), 0);
+}
+
+// Without blur the contrast stencil sees a spot's whole step, so a spot is a defect exactly when
+// its contrast exceeds its zone's threshold, which depends on the zone's place (the first, the
+// second, further out), the fiber kind and the zone's sensitivity. Zones 0-30, 30-60, 60-90 um.
+TEST(FindDefect, ASpotIsADefectExactlyWhenItsContrastExceedsItsZonesThreshold) {
+    const struct {
+        int16_t opticalType;
+        int zone;
+        int16_t sensitivity;
+        int threshold;
+    } cases[] = {{0, 0, 3, 11}, {1, 0, 3, 21}, {0, 1, 6, 9}, {0, 2, 6, 32}};
+    for (const auto& c : cases) {
+        for (int contrast : {c.threshold, c.threshold + 1}) {
+            Detection d;
+            d.task = wideZoneTask(3);
+            d.task.opticalType = c.opticalType;
+            for (int z = 0; z < 3; ++z) {
+                d.task.sections[z].diameterMin = int16_t(30 * z);
+                d.task.sections[z].diameterMax = int16_t(30 * z + 30);
+                d.task.sections[z].dSensitivity = c.sensitivity;
+            }
+            d.picture.rectangle(110 + 30 * c.zone, 97, 6, 6, uint8_t(150 - contrast));
+            EXPECT_EQ(d.run(), contrast > c.threshold ? 1 : 0)
+                << "zone " << c.zone << " of fiber kind " << c.opticalType << ", contrast "
+                << contrast;
+        }
+    }
 }

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <tuple>
 #include <vector>
 
-#include "linemerge.h"
 #include "mergesegment.h"
 
 namespace {
@@ -91,32 +89,4 @@ TEST(LineMerge, WhichCandidatesAreKeptAndJoined) {
     for (const Case& c : cases) {
         EXPECT_EQ(merged(c.segments, c.sens).size(), c.scratches) << c.why;
     }
-}
-
-TEST(LineMerge, SettingsFollowTheSensitivityTables) {
-    struct Row {
-        int sens, minLength, maxWidth;
-        double a1, p1, g1, a2, p2, g2, span;
-    };
-    const Row rows[] = {
-        {1, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 50},  {2, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},
-        {3, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 50},  {4, 10, 10, 0.1, 10, 100, 0.2, 10, 100, 40},
-        {5, 10, 10, 0.1, 10, 100, 0.1, 10, 100, 40},  {6, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 30},
-        {7, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 30}, {8, 10, 10, 0.12, 10, 100, 0.15, 10, 120, 25},
-        {9, 10, 10, 0.12, 10, 100, 0.3, 10, 120, 25}, {10, 15, 10, 0.12, 6, 100, 0.1, 6, 200, 40},
-        {11, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70}, {12, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
-        {13, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 70}, {14, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60},
-        {15, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 60}, {16, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 50},
-        {17, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 50}, {18, 10, 12, 0.1, 10, 150, 0.1, 10, 200, 45},
-        {19, 10, 12, 0.1, 10, 150, 0.2, 10, 200, 45}, {20, 15, 12, 0.1, 6, 150, 0.1, 8, 350, 60},
-    };
-    for (const Row& row : rows) {
-        const MergeSettings s = mergeSettingsFor(row.sens);
-        EXPECT_EQ(std::make_tuple(s.minLength, s.maxWidth, s.first.angleTol, s.first.p, s.first.gap,
-                                  s.second.angleTol, s.second.p, s.second.gap, s.minSpan),
-                  std::make_tuple(row.minLength, row.maxWidth, row.a1, row.p1, row.g1, row.a2,
-                                  row.p2, row.g2, row.span))
-            << "sens " << row.sens;
-    }
-    EXPECT_EQ(mergeSettingsFor(0).minSpan, 35) << "any other sens";
 }

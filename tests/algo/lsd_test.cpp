@@ -15,20 +15,8 @@
 namespace {
 
 constexpr float kPi = 3.1415927f;
-constexpr float kHalfPi = 1.5707964f;
 
 // ---- fastAtan2 ---------------------------------------------------------------------------------
-
-TEST(FastAtan2, TheAxesAndDiagonalsAreExact) {
-    const float axes[][3] = {{0, 0, 0},    {1, 0, kHalfPi}, {5, 0, kHalfPi},
-                             {0, -1, kPi}, {0, 1, 0},       {-1, 0, -kHalfPi}};
-    for (const auto& c : axes) {
-        EXPECT_EQ(fastAtan2(c[0], c[1]), c[2]) << c[0] << ", " << c[1];
-    }
-    // The diagonals take the second rule (a = b) and the table ends on pi/4.
-    EXPECT_FLOAT_EQ(fastAtan2(2.0f, 2.0f), kHalfPi - 0.7853982f);
-    EXPECT_FLOAT_EQ(fastAtan2(-2.0f, -2.0f), -kHalfPi - 0.7853982f);
-}
 
 TEST(FastAtan2, StaysWithin2e3RadOfAtan2AndInsideMinusPiPi) {
     // Every quadrant and octant, so a lost sign shows as an error near 2 pi.
@@ -49,14 +37,7 @@ TEST(FastAtan2, StaysWithin2e3RadOfAtan2AndInsideMinusPiPi) {
     }
     EXPECT_LT(worst, 2e-3);
     EXPECT_GT(worst, 1e-3) << "the 1/255 table indexed by 256 leaves an error of this size";
-}
-
-TEST(FastAtan2, SmallRatiosAreTheirOwnArctangentAndTheTableTakesOverAt1Over255) {
-    const float below = 0.0039f;  // under 1/255
-    EXPECT_FLOAT_EQ(fastAtan2(below, 1.0f), below);
-    // Just above 1/255 the table is read at (256 t - 0.5) / 255 instead of t: about 0.5/255 low.
-    const float above = 0.00393f;
-    EXPECT_NEAR(fastAtan2(above, 1.0f), std::atan((256.0 * above - 0.5) / 255.0), 1e-6);
+    EXPECT_EQ(fastAtan2(0.0f, 0.0f), 0.0f);
 }
 
 // ---- synthetic images and running the detector -------------------------------------------------
@@ -124,11 +105,10 @@ struct Settings {
     std::vector<defect_info_struct> exclusions;
 };
 
-double* runOn(const double* data, int width, int height, const Settings& s, int* n,
-              int** regionImage = nullptr, int* rx = nullptr, int* ry = nullptr) {
+double* runOn(const double* data, int width, int height, const Settings& s, int* n) {
     return LineSegmentDetection(n, data, width, height, s.scale, s.sigmaScale, s.quant, s.angTh,
-                                0.0, s.density, s.bins, 0.0, s.faintQuant, 22.5, 0.7, regionImage,
-                                rx, ry, s.mode, s.cx, s.cy, s.r, s.annuli.size() / 2.0,
+                                0.0, s.density, s.bins, 0.0, s.faintQuant, 22.5, 0.7, nullptr,
+                                nullptr, nullptr, s.mode, s.cx, s.cy, s.r, s.annuli.size() / 2.0,
                                 s.annuli.data(), s.exclusions.data(), int(s.exclusions.size()));
 }
 
@@ -176,35 +156,6 @@ TEST(LineSegmentDetection, AStraightEdgeGivesOneSegmentOnItWithTheBrightSideOnTh
     }
 }
 
-TEST(LineSegmentDetection, AScratchGivesItsTwoEdgesWithItsEndsAndWidth) {
-    Image im(240, 160, 150.0);
-    drawScratch(im, 30.0, 40.0, 210.0, 120.0, 3.0, 50.0, 1.0);
-    const std::vector<Segment> found = detect(im);
-    ASSERT_EQ(found.size(), 2u);
-    const double len = std::hypot(180.0, 80.0);
-    const double nx = -80.0 / len, ny = 180.0 / len;
-    double offsets[2];
-    for (int i = 0; i < 2; ++i) {
-        const Segment& s = found[size_t(i)];
-        // parallel to the scratch, on one of its sides
-        const double o1 = (s.x1 - 30.0) * nx + (s.y1 - 40.0) * ny;
-        const double o2 = (s.x2 - 30.0) * nx + (s.y2 - 40.0) * ny;
-        EXPECT_NEAR(o1, o2, 0.3);
-        offsets[i] = 0.5 * (o1 + o2);
-        // from end to end, within two sub-sampled pixels
-        const double t1 = ((s.x1 - 30.0) * 180.0 + (s.y1 - 40.0) * 80.0) / len;
-        const double t2 = ((s.x2 - 30.0) * 180.0 + (s.y2 - 40.0) * 80.0) / len;
-        EXPECT_NEAR(std::min(t1, t2), 0.0, 3.5);
-        EXPECT_NEAR(std::max(t1, t2), len, 3.5);
-        EXPECT_GT(s.width, 1.5);
-        EXPECT_LT(s.width, 6.0);
-    }
-    // The edges lie either side of the middle, about half the width plus the blur away.
-    EXPECT_LT(std::min(offsets[0], offsets[1]), -0.8);
-    EXPECT_GT(std::max(offsets[0], offsets[1]), 0.8);
-    EXPECT_LT(std::fabs(offsets[0] + offsets[1]), 0.4) << "symmetric about the middle";
-}
-
 TEST(LineSegmentDetection, AnEdgeIsAsMeaningfulAsItsPixelCountSays) {
     // Every pixel of a clean edge's rectangle is aligned, so -log10(NFA) = n log10(1 / p) -
     // log10(NT) with p = 1/8, n the rectangle's pixels (length x width at the sub-sampled
@@ -225,45 +176,6 @@ TEST(LineSegmentDetection, AnEdgeIsAsMeaningfulAsItsPixelCountSays) {
                 << deg << " degrees";
         }
     }
-}
-
-TEST(LineSegmentDetection, WithoutSubSamplingEndpointsAreStillInPixelMiddles) {
-    // A vertical edge between columns 40 and 41 lies at x = 40.5.
-    Image im(100, 100, 50.0);
-    drawEdge(im, 40.5, 0.0, 1.0, 0.0, 100.0, 0.6);
-    Settings s;
-    s.scale = 1.0;
-    const std::vector<Segment> found = detect(im, s);
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_NEAR(found[0].x1, 40.5, 0.05);
-    EXPECT_NEAR(found[0].x2, 40.5, 0.05);
-    EXPECT_NEAR(std::fabs(found[0].y2 - found[0].y1), 98.0, 1.0);
-    // and sub-sampled, the same edge stays at 40.5
-    const std::vector<Segment> scaled = detect(im);
-    ASSERT_EQ(scaled.size(), 1u);
-    EXPECT_NEAR(scaled[0].x1, 40.5, 0.1);
-}
-
-TEST(LineSegmentDetection, TheRegionImageLabelsEachSegmentsPixelsAtTheSubSampledScale) {
-    Image im(200, 150, 150.0);
-    drawScratch(im, 20.0, 30.0, 180.0, 120.0, 3.0, 50.0, 1.0);
-    int n = 0, rx = 0, ry = 0;
-    int* labels = nullptr;
-    double* tuples = runOn(im.px.data(), im.width, im.height, Settings(), &n, &labels, &rx, &ry);
-    ASSERT_NE(labels, nullptr);
-    EXPECT_EQ(rx, 120);  // ceil(200 * 0.6)
-    EXPECT_EQ(ry, 90);
-    std::vector<int> perLabel(size_t(n) + 1, 0);
-    for (int i = 0; i < rx * ry; ++i) {
-        ASSERT_GE(labels[i], 0);
-        ASSERT_LE(labels[i], n);
-        ++perLabel[size_t(labels[i])];
-    }
-    for (int k = 1; k <= n; ++k) {
-        EXPECT_GT(perLabel[size_t(k)], 20) << "segment " << k;
-    }
-    std::free(labels);
-    freeLineSegments(tuples);
 }
 
 // ---- what gives no detection -------------------------------------------------------------------
@@ -307,11 +219,7 @@ TEST(LineSegmentDetection, AFloodOfSegmentsIsReturnedWhole) {
         const double a = tileAngles[size_t(y / 24 * 40 + x / 24)];
         return 90.0 * std::sin((x * std::cos(a) + y * std::sin(a)) * M_PI / 5.0);
     });
-    const std::vector<Segment> found = detect(im);
-    EXPECT_GT(found.size(), 4096u);
-    for (const Segment& s : found) {
-        ASSERT_TRUE(std::isfinite(s.x1 + s.y1 + s.x2 + s.y2 + s.width + s.logNfa));
-    }
+    EXPECT_GT(detect(im).size(), 4096u);
 }
 
 // ---- annuli and exclusion rectangles -----------------------------------------------------------
@@ -451,34 +359,36 @@ TEST(LineSegmentDetectionDeathTest, InvalidArgumentsEndTheProcessWithTheirMessag
         int n = 0;
         freeLineSegments(runOn(data, width, height, s, &n));
     };
-    const auto runWith = [&](auto change) {
-        Settings s;
-        change(s);
-        run(px.data(), 8, 8, s);
-    };
     const auto fails = ::testing::ExitedWithCode(1);
     EXPECT_EXIT(run(nullptr, 8, 8, {}), fails, "LSD Error: invalid image input.");
     EXPECT_EXIT(run(px.data(), 0, 8, {}), fails, "LSD Error: invalid image input.");
     EXPECT_EXIT(run(px.data(), 8, -1, {}), fails, "LSD Error: invalid image input.");
-    EXPECT_EXIT(runWith([](Settings& s) { s.scale = 0.0; }), fails,
-                "LSD Error: 'scale' value must be positive.");
-    EXPECT_EXIT(runWith([](Settings& s) { s.sigmaScale = -1.0; }), fails,
-                "LSD Error: 'sigma_scale' value must be positive.");
-    EXPECT_EXIT(runWith([](Settings& s) { s.quant = -0.5; }), fails,
-                "LSD Error: 'quant' value must be positive.");
-    EXPECT_EXIT(runWith([](Settings& s) { s.angTh = 180.0; }), fails,
-                "LSD Error: 'ang_th' value must be in the range \\(0,180\\).");
-    EXPECT_EXIT(runWith([](Settings& s) { s.density = 1.5; }), fails,
-                "LSD Error: 'density_th' value must be in the range \\[0,1\\].");
-    EXPECT_EXIT(runWith([](Settings& s) { s.bins = 0; }), fails,
-                "LSD Error: 'n_bins' value must be positive.");
-    EXPECT_EXIT(runWith([](Settings& s) {
-                    s.mode = 2;
-                    s.faintQuant = -1.0;
-                }),
-                fails, "LSD Error: 'quant' value must be positive.");
+    const struct {
+        void (*spoil)(Settings&);
+        const char* message;
+    } cases[] = {
+        {[](Settings& s) { s.scale = 0.0; }, "'scale' value must be positive."},
+        {[](Settings& s) { s.sigmaScale = -1.0; }, "'sigma_scale' value must be positive."},
+        {[](Settings& s) { s.quant = -0.5; }, "'quant' value must be positive."},
+        {[](Settings& s) { s.angTh = 180.0; }, "'ang_th' value must be in the range \\(0,180\\)."},
+        {[](Settings& s) { s.density = 1.5; },
+         "'density_th' value must be in the range \\[0,1\\]."},
+        {[](Settings& s) { s.bins = 0; }, "'n_bins' value must be positive."},
+        {[](Settings& s) {
+             s.mode = 2;
+             s.faintQuant = -1.0;
+         },
+         "'quant' value must be positive."},
+    };
+    for (const auto& c : cases) {
+        Settings s;
+        c.spoil(s);
+        EXPECT_EXIT(run(px.data(), 8, 8, s), fails, std::string("LSD Error: ") + c.message);
+    }
     // The faint thresholds are only checked in mode 2: this one returns.
-    runWith([](Settings& s) { s.faintQuant = -1.0; });
+    Settings faint;
+    faint.faintQuant = -1.0;
+    run(px.data(), 8, 8, faint);
 }
 
 }  // namespace

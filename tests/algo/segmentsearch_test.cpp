@@ -11,16 +11,6 @@
 
 namespace {
 
-TEST(LumaspecSegmentSettings, SensitivityPicksSigmaScaleAndMode) {
-    // sigma_scale 0.8 for 5..9 and 15..20, else 1.2; mode 2 (the faint pass) for 10 and 20.
-    for (int sens = -5; sens <= 30; ++sens) {
-        const bool sharp = (sens >= 5 && sens <= 9) || (sens >= 15 && sens <= 20);
-        const LumaspecSegmentSettings s = lumaspecSegmentSettings(sens);
-        EXPECT_EQ(s.sigmaScale, sharp ? 0.8 : 1.2) << sens;
-        EXPECT_EQ(s.mode, sens == 10 || sens == 20 ? 2 : 1) << sens;
-    }
-}
-
 // A frame with a plain end face (no fiber edge) and the scene's scratches.
 struct Frame {
     sim::EndFaceScene scene;

@@ -28,19 +28,6 @@ protected:
 
 }  // namespace
 
-TEST_F(SettingsFile, AMissingFileGivesTheReadersDefaults) {
-    SettingsStore store;
-    EXPECT_EQ(store.intValue(SettingsStore::kExpTimeSf), 20);
-    EXPECT_EQ(store.intValue(SettingsStore::kExpTimeMf), 45);
-    EXPECT_EQ(store.textValue(SettingsStore::kDescriber), QString());
-    EXPECT_EQ(store.textValue(SettingsStore::kOperator), QString());
-    EXPECT_EQ(store.textValue(SettingsStore::kManufacturer), QString());
-    EXPECT_EQ(store.intValue(SettingsStore::kShutdownTime), 2);
-    EXPECT_TRUE(store.boolValue(SettingsStore::kAutoIdInc));
-    EXPECT_FALSE(store.boolValue(SettingsStore::kAutoFocus));
-    EXPECT_EQ(store.textValue(SettingsStore::kLastTaskUuid), QString());
-}
-
 TEST_F(SettingsFile, FactoryRestorePutsBothFactoryFilesBack) {
     SettingsStore store;
     ASSERT_TRUE(store.setValue(SettingsStore::kOperator, "Night shift"));

@@ -56,8 +56,7 @@ const Conversion kConversions[] = {
     {"yuv422", convert_y10bit_to_yuv422ile, 1, false, true},
     {"yuv422 scaleIn", convert_y10bit_to_yuv422ile_scaleIn, 2, true, true},
 };
-const Conversion &kY8 = kConversions[0], &kY8Mean = kConversions[1], &kY8Skip = kConversions[2],
-                 &kYuv = kConversions[3], &kYuvMean = kConversions[4];
+const Conversion &kY8Mean = kConversions[1], &kYuvMean = kConversions[4];
 
 // Rows of w bytes for the half-size UYVY output: with an odd w, a row's last luma byte is the
 // first byte of the next row.
@@ -115,31 +114,6 @@ TEST(Conversions, ConvertTheRectangleAtItsOffset) {
     }
 }
 
-TEST(Conversions, KeepTheUpperEightBitsAndTruncateBlockMeans) {
-    Frame samples(4, 1);
-    const uint16_t values[] = {1023, 3, 4, 514};
-    for (unsigned x = 0; x < 4; ++x) {
-        samples.set(x, 0, values[x]);
-    }
-    EXPECT_EQ(std::vector<uint8_t>({255, 0, 1, 128}), convert(kY8, samples, 0, 0, 4, 1));
-    EXPECT_EQ(std::vector<uint8_t>({128, 255, 128, 0, 128, 1, 128, 128}),
-              convert(kYuv, samples, 0, 0, 4, 1));
-
-    // Blocks side by side: upper left, upper right, lower left, lower right.
-    Frame blocks(kLine, 2);
-    const uint16_t block[4][4] = {
-        {1023, 1023, 1023, 1023}, {2, 2, 2, 2}, {1023, 1000, 4, 3}, {0, 0, 0, 256}};
-    for (unsigned k = 0; k < 4; ++k) {
-        for (unsigned s = 0; s < 4; ++s) {
-            blocks.set(2 * k + s % 2, s / 2, block[k][s]);
-        }
-    }
-    // 2030 / 16 = 126.875; the lower right sample counts too.
-    EXPECT_EQ(std::vector<uint8_t>({255, 0, 126, 16}), convert(kY8Mean, blocks, 0, 0, 8, 2));
-    EXPECT_EQ(std::vector<uint8_t>({128, 255, 128, 0, 128, 126, 128, 16}),
-              convert(kYuvMean, blocks, 0, 0, 8, 2));
-}
-
 // With a stride of half the sensor line, the line below the upper row (+800) must be skipped:
 // the lower row is +1600, and the next pair of rows starts 2 x 800 = 1600 after the first.
 // Frame rows here are 800 samples: row 0 upper, row 1 ignored, row 2 lower of the first pair
@@ -155,15 +129,6 @@ TEST(Conversions, BlockMeansFindTheLowerRowOneSensorLineBelowWhateverTheStride) 
     EXPECT_EQ(std::vector<uint8_t>({first, second}), convert(kY8Mean, frame, 0, 0, 2, 4));
     EXPECT_EQ(std::vector<uint8_t>({128, first, 128, second}),
               convert(kYuvMean, frame, 0, 0, 2, 4));
-}
-
-// w = 5, h = 3 gives 3 x 2 pixels: the last column and row of blocks still count.
-TEST(Conversions, HalfSizeConversionsRoundOddSidesUp) {
-    Frame frame(kLine, 4);
-    frame.set(4, 0, 1020);  // in the last, half-outside block of the first row
-    frame.set(0, 2, 1020);  // in the first block of the last, half-outside row of blocks
-    EXPECT_EQ(std::vector<uint8_t>({0, 0, 63, 63, 0, 0}), convert(kY8Mean, frame, 0, 0, 5, 3));
-    EXPECT_EQ(std::vector<uint8_t>({0, 0, 255, 255, 0, 0}), convert(kY8Skip, frame, 0, 0, 5, 3));
 }
 
 TEST(RoiY10, CopiesTheRectangleUnchanged) {

@@ -1,7 +1,7 @@
 """Reads a workbook with openpyxl, independently of the program's own reader, and prints what
 the tests check as JSON: the first sheet's cells with their font, alignment and fill, merged
-ranges, column widths, pictures, the workbook's number of cell formats, and the order of the
-rows in the sheet part.
+ranges, column widths, pictures, the workbook's number of cell formats, the order of the rows
+in the sheet part, and each zip part's checksum and stored (compressed) size.
 
 usage: dump_workbook.py WORKBOOK
 """
@@ -30,8 +30,6 @@ def picture_facts(image):
     return {
         "row": anchor.row + 1,
         "column": anchor.col + 1,
-        "width": image.width,
-        "height": image.height,
         "format": image.format,
     }
 
@@ -41,6 +39,11 @@ def row_order(path, sheet_part):
     with zipfile.ZipFile(path) as archive:
         xml = archive.read(sheet_part).decode("utf-8")
     return [int(number) for number in re.findall(r'<row[^>]*\sr="(\d+)"', xml)]
+
+
+def part_facts(path):
+    with zipfile.ZipFile(path) as archive:
+        return {info.filename: f"{info.CRC:08x} {info.compress_size}" for info in archive.infolist()}
 
 
 def main():
@@ -53,14 +56,13 @@ def main():
                 cells[cell.coordinate] = cell_facts(cell)
     widths = {key: dim.width for key, dim in sheet.column_dimensions.items() if dim.customWidth}
     print(json.dumps({
-        "sheet": sheet.title,
-        "maxRow": sheet.max_row,
         "cells": cells,
         "merged": sorted(str(cells) for cells in sheet.merged_cells.ranges),
         "widths": widths,
         "pictures": [picture_facts(image) for image in sheet._images],
         "cellFormats": len(workbook._cell_styles),
         "rowOrder": row_order(sys.argv[1], "xl/worksheets/sheet1.xml"),
+        "parts": part_facts(sys.argv[1]),
     }, ensure_ascii=False, default=str))
 
 

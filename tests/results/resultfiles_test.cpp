@@ -1,4 +1,6 @@
-// Saving a single-fiber measurement on the SD card: folders, save modes, the two workbooks.
+// Saving a single-fiber measurement on the SD card, read back by openpyxl: folders, save
+// modes, the day's data workbook and the reports, written into copies of the templates that
+// keep everything they do not fill.
 
 #include "resultfiles.h"
 
@@ -7,11 +9,13 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QRegularExpression>
 
 #include "resultsample.h"
 #include "temproot.h"
 #include "testfiles.h"
 #include "workbookreader.h"
+#include "xlsxworkbook.h"
 
 namespace {
 
@@ -27,24 +31,42 @@ protected:
     bool resultsExist() const {
         return QFileInfo::exists(root.file("mnt/sdcard/sd/Measure_Result"));
     }
+    // A copy of the program's own template, to compare with.
+    QString templateCopy(const QString& name) const {
+        EXPECT_TRUE(writeFile(root.file(name), fileContents(":/templates/" + name)));
+        return root.file(name);
+    }
 
     TempRoot root;
 };
 
 }  // namespace
 
-TEST_F(ResultFiles, WithoutSdCardNothingIsWritten) {
-    ASSERT_TRUE(QDir(root.file("mnt/sdcard/sd")).removeRecursively());
-    EXPECT_FALSE(isSdCardExists());
-    EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN1")), SaveOutcome::NoSdCard);
-    EXPECT_FALSE(QFileInfo::exists(root.file("mnt/sdcard/sd")));
+TEST_F(ResultFiles, MissingTemplatesAreInstalledFromTheResourcesAndEditedOnesKept) {
+    ASSERT_TRUE(installTemplatesIfMissing());
+    ASSERT_EQ(resultTemplateNames().size(), 8);
+    for (const QString& name : resultTemplateNames()) {
+        const QString installed = root.file("etc/" + name);
+        EXPECT_EQ(fileContents(installed), fileContents(":/templates/" + name));
+        EXPECT_FALSE(readWithOpenpyxl(installed).isEmpty()) << name.toStdString();
+    }
+    const QString edited = root.file("etc/MeasureResultReportTemplate_EN.xlsx");
+    ASSERT_TRUE(writeFile(edited, "the user's own"));
+    QFile::remove(root.file("etc/DataEndfaceMT12_CN.xlsx"));
+    ASSERT_TRUE(installTemplatesIfMissing());
+    EXPECT_EQ(fileContents(edited), "the user's own");
+    EXPECT_TRUE(QFileInfo::exists(root.file("etc/DataEndfaceMT12_CN.xlsx")));
 }
 
-TEST_F(ResultFiles, AnInvalidIdWritesNothing) {
+TEST_F(ResultFiles, AnInvalidIdOrNoSdCardWritesNothing) {
     for (const char* id : {"", "../SN1", "SN/1", "CON", "SN1."}) {
         EXPECT_EQ(saveMeasureResultSF(sampleRecord(id)), SaveOutcome::InvalidFileName) << id;
     }
     EXPECT_FALSE(resultsExist());
+    ASSERT_TRUE(QDir(root.file("mnt/sdcard/sd")).removeRecursively());
+    EXPECT_FALSE(isSdCardExists());
+    EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN1")), SaveOutcome::NoSdCard);
+    EXPECT_FALSE(QFileInfo::exists(root.file("mnt/sdcard/sd")));
 }
 
 TEST_F(ResultFiles, EachSaveModeWritesOnlyWhatItNamesAndTheDayGrowsRowByRow) {
@@ -77,7 +99,6 @@ TEST_F(ResultFiles, EachSaveModeWritesOnlyWhatItNamesAndTheDayGrowsRowByRow) {
     EXPECT_FALSE(QFileInfo::exists(root.file("etc"))) << "a save reads the factory templates, "
                                                          "it installs nothing";
     const QJsonObject data = readWithOpenpyxl(dataFile());
-    EXPECT_EQ(cellText(data, "A3"), "ID") << "the template's titles";
     EXPECT_EQ(rowOrder(data), QList<int>({1, 2, 3, 4, 5, 6, 7}))
         << "one row each for SN3, SN4 and SN5, after the titles";
     EXPECT_EQ(cellText(data, "A5"), "SN3");
@@ -85,17 +106,44 @@ TEST_F(ResultFiles, EachSaveModeWritesOnlyWhatItNamesAndTheDayGrowsRowByRow) {
     EXPECT_EQ(cellText(data, "G6"), "Pass");
     EXPECT_EQ(cellText(data, "A7"), "SN5");
     EXPECT_EQ(cellText(data, "G7"), "Fail");
+
+    // Of the template only the sheet and the styles changed, once for all rows: its titles keep
+    // their values and styles, its merged cells and column widths stay.
+    const QJsonObject before = readWithOpenpyxl(templateCopy("MeasureResultDataTemplate_EN.xlsx"));
+    const QJsonObject partsBefore = before["parts"].toObject(), parts = data["parts"].toObject();
+    EXPECT_EQ(parts.keys(), partsBefore.keys()) << "no part added or removed";
+    QStringList changed;
+    for (const QString& part : parts.keys()) {
+        if (parts[part] != partsBefore[part]) {
+            changed << part;
+        }
+    }
+    EXPECT_EQ(changed, QStringList({"xl/styles.xml", "xl/worksheets/sheet1.xml"}));
+    QJsonObject titles = data["cells"].toObject();
+    for (const QString& reference : titles.keys()) {
+        if (QString(reference).remove(QRegularExpression("^[A-Z]+")).toInt() >= 5) {
+            titles.remove(reference);
+        }
+    }
+    EXPECT_EQ(titles, before["cells"].toObject());
+    EXPECT_EQ(data["merged"], before["merged"]);
+    EXPECT_EQ(data["widths"], before["widths"]);
+    EXPECT_EQ(data["cellFormats"].toInt(), before["cellFormats"].toInt() + 1);
 }
 
-TEST_F(ResultFiles, ADataRowHoldsTheMeasurementAndEachZone) {
-    const SingleFiberResultRecord record = sampleRecord("SN1", kSaveData);
+TEST_F(ResultFiles, ADataRowHoldsTheMeasurementAndEachZoneInCentredArial) {
+    SingleFiberResultRecord record = sampleRecord("SN1", kSaveData);
+    record.describer = " Patch <cord> & \"2\"";
+    record.manufacturer = QString::fromUtf8("光纤 跳线");
+    record.operatorName = QString("Li") + QChar(7) + "n";
     ASSERT_EQ(saveMeasureResultSF(record), SaveOutcome::Saved);
     const QJsonObject data = readWithOpenpyxl(dataFile());
-    EXPECT_EQ(cellText(data, "B5"), "Patch cord");
-    EXPECT_EQ(cellText(data, "C5"), "Fiber Works");
+    EXPECT_EQ(cellText(data, "A5"), "SN1");
+    EXPECT_EQ(cellText(data, "B5"), " Patch <cord> & \"2\"");
+    EXPECT_EQ(cellText(data, "C5"), QString::fromUtf8("光纤 跳线"));
     EXPECT_EQ(cellText(data, "D5"), QString::fromUtf8(record.task.taskName));
     EXPECT_EQ(cellText(data, "E5"), "2024-05-17 14:03:09");
-    EXPECT_EQ(cellText(data, "F5"), "Lin");
+    EXPECT_EQ(cellText(data, "F5"), "Lin") << "a control character cannot be stored";
     ASSERT_GE(record.task.sectionNum, 2);
     // Zone 2 (columns M to Q): 2 small + 1 middle defects, 1 scratch.
     EXPECT_EQ(cellText(data, "M5"), QString::fromUtf8(record.task.sections[1].sectionName));
@@ -103,6 +151,13 @@ TEST_F(ResultFiles, ADataRowHoldsTheMeasurementAndEachZone) {
     EXPECT_EQ(cellText(data, "O5"), QString::number(record.task.sections[1].diameterMax));
     EXPECT_EQ(cellText(data, "P5"), "3");
     EXPECT_EQ(cellText(data, "Q5"), "1");
+    for (const char* reference : {"A5", "P5"}) {
+        const QJsonObject cell = data["cells"].toObject()[reference].toObject();
+        EXPECT_EQ(cell["font"].toString(), "Arial") << reference;
+        EXPECT_EQ(cell["horizontal"].toString(), "center") << reference;
+        EXPECT_EQ(cell["vertical"].toString(), "center") << reference;
+    }
+    EXPECT_TRUE(data["cells"].toObject()["P5"].toObject()["value"].isDouble()) << "a number";
 }
 
 TEST_F(ResultFiles, AReportHoldsValuesZonesAndBothPictures) {
@@ -123,20 +178,22 @@ TEST_F(ResultFiles, AReportHoldsValuesZonesAndBothPictures) {
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(pictures[i]["row"].toInt(), 26);
         EXPECT_EQ(pictures[i]["column"].toInt(), i == 0 ? 1 : 5);
+        EXPECT_EQ(pictures[i]["format"].toString(), "png");
     }
 }
 
-TEST_F(ResultFiles, ASecondReportOfTheSameIdReplacesTheFirst) {
+TEST_F(ResultFiles, ASecondReportOfTheSameIdReplacesTheFirstAndAMissingPictureIsLeftOut) {
     SingleFiberResultRecord record = sampleRecord("SN1", kSaveReport, true);
     ASSERT_EQ(saveMeasureResultSF(record), SaveOutcome::Saved);
     record.passed = false;
     record.operatorName = "Wen";
+    record.overlay = QImage();
     ASSERT_EQ(saveMeasureResultSF(record), SaveOutcome::Saved);
     EXPECT_EQ(QDir(day("/Report")).entryList(QDir::Files), QStringList({"SN1_EN.xlsx"}));
     const QJsonObject report = readWithOpenpyxl(reportFile("SN1"));
     EXPECT_EQ(cellText(report, "C14"), "Wen");
     EXPECT_EQ(cellText(report, "C15"), "Fail");
-    EXPECT_EQ(report["pictures"].toArray().size(), 2);
+    EXPECT_EQ(report["pictures"].toArray().size(), 1);
 }
 
 TEST_F(ResultFiles, ChineseUsesTheChineseTemplatesAndNames) {
@@ -179,20 +236,50 @@ TEST_F(ResultFiles, ATemplateTheUserEditedKeepsItsEdits) {
 
 TEST_F(ResultFiles, ADamagedDayWorkbookIsNeitherOverwrittenNorLost) {
     ASSERT_EQ(saveMeasureResultSF(sampleRecord("SN1", kSaveData)), SaveOutcome::Saved);
-    QFile damaged(dataFile());
-    ASSERT_TRUE(damaged.open(QIODevice::ReadWrite));
-    const QByteArray whole = damaged.readAll();
-    damaged.resize(whole.size() - 100);
-    damaged.close();
-    const QByteArray before = fileContents(dataFile());
-
-    EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN2", kSaveData)), SaveOutcome::Failed);
-    EXPECT_EQ(fileContents(dataFile()), before) << "what is left of the day stays for rescue";
+    const QByteArray whole = fileContents(dataFile());
+    for (const QByteArray& damaged : {whole.left(whole.size() - 100), QByteArray("not a zip")}) {
+        ASSERT_TRUE(writeFile(dataFile(), damaged));
+        EXPECT_EQ(saveMeasureResultSF(sampleRecord("SN2", kSaveData)), SaveOutcome::Failed);
+        EXPECT_EQ(fileContents(dataFile()), damaged) << "what is left of the day stays for rescue";
+    }
 }
 
-TEST_F(ResultFiles, AMissingPictureLeavesItOutOfTheReport) {
-    SingleFiberResultRecord record = sampleRecord("SN1", kSaveReport);
-    record.overlay = QImage();
-    ASSERT_EQ(saveMeasureResultSF(record), SaveOutcome::Saved);
-    EXPECT_EQ(readWithOpenpyxl(reportFile("SN1"))["pictures"].toArray().size(), 1);
+// The workbook layer itself, where the result files do not reach: rows written out of order
+// and into the template's rows, and saves that fail.
+TEST_F(ResultFiles, TheWorkbookMergesCellsIntoExistingRowsInOrder) {
+    const QString path = templateCopy("MeasureResultDataTemplate_EN.xlsx");
+    XlsxWorkbook workbook;
+    ASSERT_TRUE(workbook.open(path));
+    workbook.setText(7, 2, "seven");
+    workbook.setText(5, 2, "five");
+    workbook.setText(3, 1, "Connector");   // replaces a title inside an existing row
+    workbook.setText(3, 40, "far right");  // after the row's last cell
+    ASSERT_TRUE(workbook.saveAs(path));
+
+    const QJsonObject read = readWithOpenpyxl(path);
+    EXPECT_EQ(rowOrder(read), QList<int>({1, 2, 3, 4, 5, 7}));
+    EXPECT_EQ(cellText(read, "A3"), "Connector");
+    EXPECT_EQ(cellText(read, "B3"), "Description") << "its neighbours stay";
+    EXPECT_EQ(cellText(read, "AN3"), "far right");
+    EXPECT_EQ(cellText(read, "B5"), "five");
+    EXPECT_EQ(cellText(read, "B7"), "seven");
+}
+
+TEST_F(ResultFiles, AFailedWorkbookOpenOrSaveChangesNothing) {
+    XlsxWorkbook missing;
+    EXPECT_FALSE(missing.open(root.file("missing.xlsx")));
+    EXPECT_FALSE(missing.errorString().isEmpty());
+    const QString path = templateCopy("MeasureResultDataTemplate_EN.xlsx");
+    const QByteArray before = fileContents(path);
+    XlsxWorkbook workbook;
+    ASSERT_TRUE(workbook.open(path));
+    workbook.setText(5, 1, "SN1");
+    EXPECT_FALSE(workbook.saveAs(root.file("no/such/folder/data.xlsx")));
+    EXPECT_FALSE(workbook.errorString().isEmpty());
+    ASSERT_TRUE(QDir().mkpath(root.file("folder.xlsx")));
+    EXPECT_FALSE(workbook.saveAs(root.file("folder.xlsx"))) << "a folder is not replaced";
+    EXPECT_TRUE(QFileInfo(root.file("folder.xlsx")).isDir());
+    EXPECT_EQ(fileContents(path), before);
+    EXPECT_TRUE(workbook.saveAs(path)) << "the workbook is still whole after failed saves";
+    EXPECT_EQ(cellText(readWithOpenpyxl(path), "A5"), "SN1");
 }

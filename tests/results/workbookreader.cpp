@@ -50,10 +50,6 @@ QList<int> rowOrder(const QJsonObject& workbook) {
     return order;
 }
 
-QJsonObject compareParts(const QString& before, const QString& after) {
-    return scriptJson("compare_parts.py", {before, after});
-}
-
 bool editLikeAUser(const QString& path, const QString& noteCell, const QString& logo) {
     QByteArray output;
     return runPythonScript(

@@ -81,9 +81,21 @@ TEST(RenderTool, WritesTheFrameOrARegionAroundAPointWithItsTruth) {
     std::vector<uint8_t> gray(960 * 960);
     ASSERT_EQ(sim::renderGray(toolScene(), 170, 120, 960, 960, gray.data()), 1);
     EXPECT_TRUE(std::equal(gray.begin(), gray.end(), picture.data));
+    // Its truth gives positions in the region's coordinates and the sizes drawn.
     truth = QJsonDocument::fromJson(fileContents(region + ".json")).object();
     EXPECT_DOUBLE_EQ(truth["centerX"].toDouble(), 700.5 - 170);
     EXPECT_DOUBLE_EQ(truth["centerY"].toDouble(), 650.25 - 120);
+    EXPECT_NEAR(truth["claddingRadiusPx"].toDouble(), sim::micronsToPixels(125.0) / 2, 1e-3);
+    EXPECT_NEAR(truth["coreRadiusPx"].toDouble(), sim::micronsToPixels(50.0) / 2, 1e-3);
+    const QJsonObject spot = truth["spots"].toArray()[0].toObject();
+    EXPECT_DOUBLE_EQ(spot["x"].toDouble(), 500.0 - 170);
+    EXPECT_DOUBLE_EQ(spot["y"].toDouble(), 400.0 - 120);
+    EXPECT_NEAR(spot["radiusPx"].toDouble(), sim::micronsToPixels(5.0) / 2, 1e-3);
+    EXPECT_TRUE(spot["bright"].toBool());
+    const QJsonObject scratch = truth["scratches"].toArray()[0].toObject();
+    EXPECT_DOUBLE_EQ(scratch["x2"].toDouble(), 300.0 - 170);
+    EXPECT_DOUBLE_EQ(scratch["y1"].toDouble(), 100.0 - 120);
+    EXPECT_NEAR(scratch["widthPx"].toDouble(), sim::micronsToPixels(1.0), 1e-3);
 }
 
 TEST(RenderTool, BadCommandLinesExitWithStatusTwoAndSayWhyButHelpIsNoError) {

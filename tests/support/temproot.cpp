@@ -1,7 +1,5 @@
 #include "temproot.h"
 
-#include <QDir>
-
 #include "platformroot.h"
 
 TempRoot::TempRoot() : previousRoot_(qgetenv("LUMASPECTER_ROOT")) {
@@ -19,9 +17,4 @@ TempRoot::~TempRoot() {
 
 QString TempRoot::file(const QString& relative) const {
     return dir_.path() + "/" + relative;
-}
-
-QString realSamplesDir() {
-    const QString dir = qEnvironmentVariable("LUMASPECTER_SAMPLES");
-    return QDir(dir).exists() && !dir.isEmpty() ? dir : QString();
 }

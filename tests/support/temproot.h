@@ -20,6 +20,3 @@ private:
     QTemporaryDir dir_;
     QByteArray previousRoot_;
 };
-
-// Folder of the real end-face pictures; empty when they are not beside the project.
-QString realSamplesDir();

@@ -110,22 +110,6 @@ TEST(MeasureSingleFiber, ATaskWithoutZonesFailsWithAnEmptyList) {
     EXPECT_TRUE(thread.results().isEmpty());
 }
 
-TEST(MeasureSingleFiber, LimitsOfZeroAndMinusOneDecideTheVerdict) {
-    RenderedRegion region({spotAt(30, 45, 12, 60)});  // a large defect in zone B
-    TaskInfoSetting task = firstTask();
-    task.sections[1].dBiggerLimit = 0;
-    MeasureSingleFiberThread thread;
-    measure(thread, region, task);
-    ASSERT_EQ(thread.defectCount(), 1);
-    EXPECT_EQ(thread.defects()[0].sizeClass, 2);
-    EXPECT_FALSE(thread.passed());
-    EXPECT_EQ(thread.results()[1].dBiggerResult, 0);
-
-    task.sections[1].dBiggerLimit = -1;
-    measure(thread, region, task);
-    EXPECT_TRUE(thread.passed());
-}
-
 TEST(MeasureSingleFiber, AFailedDefectSearchFailsTheRunButTheZonesAreStillListed) {
     std::vector<sim::Spot> spots;
     for (int ring = 0; ring < 15; ++ring) {  // 675 spots in zone D: more than the run takes
@@ -162,9 +146,10 @@ TEST(MeasureSingleFiber, TheOverlayColoursDefectsByClass) {
     }
 }
 
-// The first built-in task: zone A (0-25 um) allows nothing; zone B (25-115) any small defect,
-// five middle ones (2 to 5 um) and no large one, any scratch narrower than 3 um (with the
-// quarter's allowance) and no wider one; zone D (135-250) any defect up to 10 um, none larger.
+// The verdicts are tested here, for the whole inspection. The first built-in task: zone A
+// (0-25 um) allows nothing; zone B (25-115) any small defect, five middle ones (2 to 5 um) and
+// no large one, any scratch narrower than 3 um (with the quarter's allowance) and no wider
+// one; zone D (135-250) any defect up to 10 um, none larger.
 TEST(MeasureSingleFiberVerdicts, DefectsAgainstEachZonesLimits) {
     auto middleInB = [](int count) {
         std::vector<sim::Spot> spots;
@@ -177,19 +162,23 @@ TEST(MeasureSingleFiberVerdicts, DefectsAgainstEachZonesLimits) {
         const char* name;
         std::vector<sim::Spot> spots;
         bool passes;
+        int16_t largeInB;  // zone B's limit of large defects
     } cases[] = {
-        {"five middle in B", middleInB(5), true},
-        {"six middle in B", middleInB(6), false},
-        {"large in B", {spotAt(35.0, 10.0, 10.0, 40.0)}, false},
-        {"small in D", {spotAt(100.0, 10.0, 4.0, 60.0)}, true},
-        {"large in D", {spotAt(100.0, 10.0, 12.0, 60.0)}, false},
-        {"any in A", {spotAt(7.0, 10.0, 3.0, 40.0)}, false},
-        {"below zone B's threshold: not seen", {spotAt(35.0, 10.0, 10.0, 5.0)}, true},
+        {"five middle in B", middleInB(5), true, 0},
+        {"six middle in B", middleInB(6), false, 0},
+        {"large in B", {spotAt(35.0, 10.0, 10.0, 40.0)}, false, 0},
+        {"large in B, which allows any (-1)", {spotAt(35.0, 10.0, 10.0, 40.0)}, true, -1},
+        {"small in D", {spotAt(100.0, 10.0, 4.0, 60.0)}, true, 0},
+        {"large in D", {spotAt(100.0, 10.0, 12.0, 60.0)}, false, 0},
+        {"any in A", {spotAt(7.0, 10.0, 3.0, 40.0)}, false, 0},
+        {"below zone B's threshold: not seen", {spotAt(35.0, 10.0, 10.0, 5.0)}, true, 0},
     };
     for (const auto& c : cases) {
         RenderedRegion region(c.spots);
+        TaskInfoSetting task = firstTask();
+        task.sections[1].dBiggerLimit = c.largeInB;
         MeasureSingleFiberThread thread;
-        measure(thread, region);
+        measure(thread, region, task);
         EXPECT_EQ(thread.passed(), c.passes) << c.name;
     }
 }

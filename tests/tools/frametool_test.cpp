@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "endfacerenderer.h"
+#include "realsamples.h"
 #include "temproot.h"
 #include "testfiles.h"
 
@@ -49,30 +50,27 @@ QJsonObject parse(const QByteArray& line) {
 
 }  // namespace
 
-// A clean frame, one whose window must be moved in from the right edge, a dirty one and one
-// without fiber, in that order also when inspected in parallel.
+// A frame with a spot and a scratch, one whose window must be moved in from the right edge and
+// one without fiber, in that order also when inspected in parallel. The verdicts themselves
+// are the measurement run's, tested there.
 TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     TempRoot root;
     sim::EndFaceScene scene;
-    scene.centerX = 700.4;
-    scene.centerY = 530.7;
-    writeRawFrame(root.file("a.raw"), scene);
+    scene.spots.push_back(sim::spotAtRadius(scene, 30.0, 20.0, 12.0, 60.0));
+    scene.scratches.push_back({700, 450, 900, 760, 3.0, 40.0, false});
+    writeRawFrame(root.file("dirty.raw"), scene);
     scene.centerX = 1500.0;
-    writeRawFrame(root.file("b.raw"), scene);
-    sim::EndFaceScene dirty;
-    dirty.spots.push_back(sim::spotAtRadius(dirty, 30.0, 20.0, 12.0, 60.0));
-    dirty.scratches.push_back({700, 450, 900, 760, 3.0, 40.0, false});
-    writeRawFrame(root.file("dirty.raw"), dirty);
+    writeRawFrame(root.file("right.raw"), scene);
     ASSERT_TRUE(writeFile(root.file("flat.raw"), QByteArray(3840000, '\0')));
-    const QStringList frames = {root.file("a.raw"), root.file("b.raw"), root.file("dirty.raw"),
+    const QStringList frames = {root.file("dirty.raw"), root.file("right.raw"),
                                 root.file("flat.raw")};
 
     const ToolRun run = inspect(QStringList({"--json", "--jobs", "3"}) + frames);
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
-    ASSERT_EQ(run.lines.size(), 4);
+    ASSERT_EQ(run.lines.size(), 3);
     const ToolRun one = inspect(QStringList({"--json", "--jobs", "1"}) + frames);
-    ASSERT_EQ(one.lines.size(), 4);
-    for (int i = 0; i < 4; ++i) {
+    ASSERT_EQ(one.lines.size(), 3);
+    for (int i = 0; i < 3; ++i) {
         QJsonObject many = parse(run.lines[i]), single = parse(one.lines[i]);
         EXPECT_EQ(many["image"].toString(), frames[i]);
         many.remove("ms");
@@ -80,26 +78,12 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
         EXPECT_EQ(many, single) << "many jobs give the same output as one";
     }
 
-    const QJsonObject a = parse(run.lines[0]);
-    EXPECT_EQ(a.keys(), QStringList({"centerX", "centerY", "defectCount", "defects", "found",
+    const QJsonObject r = parse(run.lines[0]);
+    EXPECT_EQ(r.keys(), QStringList({"centerX", "centerY", "defectCount", "defects", "found",
                                      "image", "left", "ms", "pass", "rawX", "rawY", "scratchCount",
                                      "scratches", "top", "x", "y", "zoneResults"}));
-    EXPECT_TRUE(a["found"].toBool());
-    EXPECT_NEAR(a["rawX"].toInt(), 700, 1);
-    EXPECT_NEAR(a["rawY"].toInt(), 530, 1);
-    EXPECT_EQ(a["x"].toInt(), a["rawX"].toInt());
-
-    const QJsonObject b = parse(run.lines[1]);
-    EXPECT_NEAR(b["rawX"].toInt(), 1500, 4);
-    EXPECT_EQ(b["x"].toInt(), 1600 - 480 - 1);
-    EXPECT_EQ(b["left"].toInt(), 1600 - 480 - 1 - 480);
-    EXPECT_EQ(b["centerX"].toInt(), b["rawX"].toInt() - b["left"].toInt());
-
-    const QJsonObject r = parse(run.lines[2]);
+    EXPECT_TRUE(r["found"].toBool());
     EXPECT_TRUE(r["pass"].isBool());
-    EXPECT_FALSE(r["pass"].toBool());
-    EXPECT_GE(r["defectCount"].toInt(), 1);
-    EXPECT_GE(r["scratchCount"].toInt(), 1);
     const QJsonArray zones = r["zoneResults"].toArray();
     ASSERT_EQ(zones.size(), 3);
     EXPECT_EQ(zones[1].toObject().keys(),
@@ -117,7 +101,13 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     EXPECT_EQ(r["ms"].toObject().keys(),
               QStringList({"defects", "overlay", "scratches", "search", "total"}));
 
-    const QJsonObject flat = parse(run.lines[3]);
+    const QJsonObject right = parse(run.lines[1]);
+    EXPECT_NEAR(right["rawX"].toInt(), 1500, 4);
+    EXPECT_EQ(right["x"].toInt(), 1600 - 480 - 1);
+    EXPECT_EQ(right["left"].toInt(), 1600 - 480 - 1 - 480);
+    EXPECT_EQ(right["centerX"].toInt(), right["rawX"].toInt() - right["left"].toInt());
+
+    const QJsonObject flat = parse(run.lines[2]);
     EXPECT_EQ(flat.keys(), QStringList({"found", "image", "rawX", "rawY", "x", "y"}));
     EXPECT_FALSE(flat["found"].toBool());
     EXPECT_EQ(flat["rawX"].toInt(), 800);
@@ -216,16 +206,11 @@ TEST(InspectTool, ResultFilesAreSavedOnTheRootsSdCardOrTheFailureReported) {
 }
 
 TEST(InspectTool, RealEndFacesAreFoundAndInspected) {
-    const QString samples = realSamplesDir();
-    if (samples.isEmpty()) {
-        GTEST_SKIP() << "the real end-face pictures are not beside the project";
+    const QStringList pictures = realSamplePictures();
+    if (pictures.isEmpty()) {
+        GTEST_SKIP() << "no real end-face pictures in " << realSamplesDir().toStdString();
     }
     TempRoot root;
-    QStringList pictures;
-    for (const QString& name : QDir(samples).entryList({"*.png"}, QDir::Files, QDir::Name)) {
-        pictures << QDir(samples).filePath(name);
-    }
-    ASSERT_FALSE(pictures.isEmpty());
     const ToolRun run = inspect(QStringList({"--json", "--task", "IEC2.0-PC-MM-SF"}) + pictures);
     ASSERT_EQ(run.status, 0) << run.errors.toStdString();
     ASSERT_EQ(run.lines.size(), pictures.size());

@@ -1,6 +1,7 @@
-// Our detector against OpenCV's implementation of the same published method, as an
-// independent yardstick, on rendered 960 x 960 measurement regions with scratches, spots and
-// the end face's texture. Both run with the instrument's settings (scale 0.6, sigma_scale 0.8,
+// lsd_agreement: our line segment detector against OpenCV's implementation of the same
+// published method, as an independent yardstick. It prints how well the two agree on rendered
+// 960 x 960 measurement regions with scratches, spots and the end face's texture; there is no
+// pass or fail, the figures are to be read (and compared before and after a change). Both run with the instrument's settings (scale 0.6, sigma_scale 0.8,
 // quant 1, 22.5 degrees, log_eps 0, density 0.7, 1024 bins) and ours with exact square roots.
 //
 // OpenCV 4.6 departs from the method in three places, and each moves its segments:
@@ -17,9 +18,10 @@
 // the segments whose two ends match one of the other's (within 1.5 px, either order), first
 // as both run, then with the sub-sampling made common; and the share of the segments' length
 // that lies on the other's segments (within 1.5 px): whether both find the same lines in the
-// same places.
-
-#include <gtest/gtest.h>
+// same places. As last measured: what OpenCV finds lies on ours for 90 % or more of its
+// length, ours on OpenCV's for 70 % or more; with a common sub-sampling three cuts in four
+// agree; of the 24 edges of lone scratches at 12 angles we find all, equally meaningful at
+// every angle (-log10(NFA) within 25 %), while OpenCV misses some.
 
 #include <opencv2/imgproc.hpp>
 
@@ -156,37 +158,25 @@ double lengthOnOther(const std::vector<Segment>& a, const std::vector<Segment>& 
     return total > 0.0 ? covered / total : 1.0;
 }
 
-struct Comparison {
-    std::vector<Segment> ours, opencv;  // the long ones
-    size_t oursAll, opencvAll;
-    double oursMatched, opencvMatched, oursOnOpencv, opencvOnOurs;
-};
-
-Comparison compare(const std::vector<Segment>& a, const std::vector<Segment>& b,
-                   const std::string& name) {
-    Comparison c{longOnes(a), longOnes(b), a.size(), b.size(), 0.0, 0.0, 0.0, 0.0};
-    c.oursMatched = endMatchRate(c.ours, b);
-    c.opencvMatched = endMatchRate(c.opencv, a);
-    c.oursOnOpencv = lengthOnOther(c.ours, b);
-    c.opencvOnOurs = lengthOnOther(c.opencv, a);
+// Prints the three measures for two lists of segments.
+void compare(const std::vector<Segment>& a, const std::vector<Segment>& b,
+             const std::string& name) {
+    const std::vector<Segment> oursLong = longOnes(a), opencvLong = longOnes(b);
     std::printf(
         "[ %s ] segments: ours %zu (%zu of 10 px or more), OpenCV %zu (%zu)\n"
         "    both ends matched: ours in OpenCV's %.1f %%, OpenCV's in ours %.1f %%\n"
         "    length on the other's segments: ours %.1f %%, OpenCV's %.1f %%\n",
-        name.c_str(), c.oursAll, c.ours.size(), c.opencvAll, c.opencv.size(), 100.0 * c.oursMatched,
-        100.0 * c.opencvMatched, 100.0 * c.oursOnOpencv, 100.0 * c.opencvOnOurs);
-    return c;
+        name.c_str(), a.size(), oursLong.size(), b.size(), opencvLong.size(),
+        100.0 * endMatchRate(oursLong, b), 100.0 * endMatchRate(opencvLong, a),
+        100.0 * lengthOnOther(oursLong, b), 100.0 * lengthOnOther(opencvLong, a));
 }
 
-// Both detectors as they run, each sub-sampling the region itself.
-Comparison compareAsTheyRun(const cv::Mat& gray, const std::string& name) {
-    return compare(ours(gray), opencv(gray), name);
-}
-
-// Both on the same sub-sampled image: the rest of the method compared alone.
-Comparison compareAfterCommonSubsampling(const cv::Mat& gray, const std::string& name) {
+// Both detectors as they run, each sub-sampling the region itself, then both on the same
+// sub-sampled image: the rest of the method compared alone.
+void compareBothWays(const cv::Mat& gray, const std::string& name) {
+    compare(ours(gray), opencv(gray), name);
     const cv::Mat small = subsampledOnce(gray);
-    return compare(ours(small, 1.0), opencv(small, 1.0), name + ", sub-sampled once");
+    compare(ours(small, 1.0), opencv(small, 1.0), name + ", sub-sampled once");
 }
 
 // A fiber with the scratches and spots of a worn end face; seed varies their places, the
@@ -238,46 +228,12 @@ bool onAScratch(const Segment& s, const sim::EndFaceScene& scene) {
     return false;
 }
 
-TEST(LsdAgainstOpenCv, RenderedRegionsShowTheSameLinesInTheSamePlaces) {
-    for (uint32_t seed : {1u, 2u, 3u}) {
-        const std::string name = "worn face " + std::to_string(seed);
-        const cv::Mat gray = renderRegion(wornFace(seed));
-        const Comparison c = compareAsTheyRun(gray, name);
-        EXPECT_GT(c.ours.size(), 30u);
-        // What OpenCV finds, we find in the same place ...
-        EXPECT_GE(c.opencvOnOurs, 0.90);
-        // ... but not the other way round: OpenCV misses some clear edges (see below).
-        EXPECT_GE(c.oursOnOpencv, 0.70);
-        // The two sub-samplings alone put the cuts of the curves elsewhere ...
-        EXPECT_GE(std::min(c.oursMatched, c.opencvMatched), 0.15);
-        // ... with a common one, three cuts in four agree.
-        const Comparison once = compareAfterCommonSubsampling(gray, name);
-        EXPECT_GE(std::min(once.oursMatched, once.opencvMatched), 0.70);
-        EXPECT_GE(once.opencvOnOurs, 0.90);
-    }
-}
 
-TEST(LsdAgainstOpenCv, WhatOnlyWeFindOnScratchesIsOnTheScratches) {
-    sim::EndFaceScene scene = plainFace(wornFace(3).scratches);
-    const cv::Mat gray = renderRegion(scene);
-    const Comparison c = compareAsTheyRun(gray, "scratches only");
-    EXPECT_GE(c.opencvOnOurs, 0.95);
-    EXPECT_GE(std::min(c.oursMatched, c.opencvMatched), 0.5);
-    for (const Segment& s : c.ours) {
-        EXPECT_TRUE(onAScratch(s, scene)) << s.x1 << "," << s.y1 << " " << s.x2 << "," << s.y2;
-    }
-    // Sub-sampled once, every edge OpenCV finds is ours too, ends and all.
-    const Comparison once = compareAfterCommonSubsampling(gray, "scratches only");
-    EXPECT_GE(once.opencvMatched, 0.95);
-    EXPECT_GE(once.oursMatched, 0.80);
-}
-
-TEST(LsdAgainstOpenCv, LoneScratchesAtEveryAngle) {
-    // A 300 px scratch 3 um wide at 12 angles: both of its edges are clear lines, which we
-    // find every time, equally meaningful at every angle. OpenCV misses some, its NFA swings
-    // with the angle, and its rectangle improvement, which that sets off, may move an edge
-    // sideways by up to 5 x 0.5 / 2 sub-sampled pixels (2.1 px).
-    int oursEdges = 0, opencvEdges = 0, opencvOnOurs = 0;
+// A 300 px scratch 3 um wide at 12 angles: both of its edges are clear lines. OpenCV's NFA
+// swings with the angle, and its rectangle improvement, which that sets off, may move an edge
+// sideways by up to 5 x 0.5 / 2 sub-sampled pixels (2.1 px), hence the wider tolerance.
+void compareLoneScratches() {
+    int oursEdges = 0, opencvEdges = 0, opencvOnOurs = 0, oursOffScratch = 0;
     std::vector<double> oursNfa, opencvNfa;
     for (int deg = 0; deg < 180; deg += 15) {
         const double a = deg * M_PI / 180.0;
@@ -288,12 +244,10 @@ TEST(LsdAgainstOpenCv, LoneScratchesAtEveryAngle) {
         std::vector<double> nfaA, nfaB;
         const std::vector<Segment> all = ours(gray, kScale, &nfaA),
                                    others = opencv(gray, kScale, &nfaB);
-        const std::vector<Segment> a1 = longOnes(all), b1 = longOnes(others);
-        EXPECT_EQ(a1.size(), 2u) << deg << " degrees";
         for (size_t i = 0; i < all.size(); ++i) {
             if (all[i].length() > 280.0) {
-                EXPECT_TRUE(onAScratch(all[i], scene)) << deg << " degrees";
                 oursNfa.push_back(nfaA[i]);
+                oursOffScratch += onAScratch(all[i], scene) ? 0 : 1;
             }
         }
         for (size_t i = 0; i < others.size(); ++i) {
@@ -301,6 +255,7 @@ TEST(LsdAgainstOpenCv, LoneScratchesAtEveryAngle) {
                 opencvNfa.push_back(nfaB[i]);
             }
         }
+        const std::vector<Segment> a1 = longOnes(all), b1 = longOnes(others);
         oursEdges += int(a1.size());
         opencvEdges += int(b1.size());
         for (const Segment& s : b1) {
@@ -310,13 +265,29 @@ TEST(LsdAgainstOpenCv, LoneScratchesAtEveryAngle) {
     const auto [oursLow, oursHigh] = std::minmax_element(oursNfa.begin(), oursNfa.end());
     const auto [cvLow, cvHigh] = std::minmax_element(opencvNfa.begin(), opencvNfa.end());
     std::printf(
-        "[ lone scratches ] edges found of 24: ours %d, OpenCV %d, of which on ours %d\n"
+        "[ lone scratches ] edges found of 24: ours %d (%d off the scratch), OpenCV %d, of "
+        "which on ours %d\n"
         "    -log10(NFA) of a 300 px edge: ours %.0f to %.0f, OpenCV %.0f to %.0f\n",
-        oursEdges, opencvEdges, opencvOnOurs, *oursLow, *oursHigh, *cvLow, *cvHigh);
-    EXPECT_EQ(oursNfa.size(), 24u);
-    EXPECT_EQ(opencvOnOurs, opencvEdges);
-    // The same edge is as meaningful at every angle: its pixel count hardly changes.
-    EXPECT_LT(*oursHigh / *oursLow, 1.25);
+        oursEdges, oursOffScratch, opencvEdges, opencvOnOurs, *oursLow, *oursHigh, *cvLow,
+        *cvHigh);
 }
 
 }  // namespace
+
+int main() {
+    for (uint32_t seed : {1u, 2u, 3u}) {
+        compareBothWays(renderRegion(wornFace(seed)), "worn face " + std::to_string(seed));
+    }
+    // Scratches alone: what only we find should still lie on a scratch.
+    const sim::EndFaceScene scratched = plainFace(wornFace(3).scratches);
+    const cv::Mat gray = renderRegion(scratched);
+    compareBothWays(gray, "scratches only");
+    const std::vector<Segment> found = longOnes(ours(gray));
+    const long offScratch = std::count_if(found.begin(), found.end(), [&](const Segment& s) {
+        return !onAScratch(s, scratched);
+    });
+    std::printf("    of our %zu segments of 10 px or more, %ld lie off the scratches\n",
+                found.size(), offScratch);
+    compareLoneScratches();
+    return 0;
+}
