@@ -5,6 +5,7 @@
 #include "mergesegment.h"
 #include "nobadalloc.h"
 #include "scratchannuli.h"
+#include "scratchedges.h"
 #include "scratchgeometry.h"
 #include "segmentsearch.h"
 
@@ -110,6 +111,7 @@ int FindLines(const unsigned char* image, int width, int height, int cx, int cy,
         MergeLumaspecSegment(reinterpret_cast<const ScratchRecord*>(segments), segmentCount, cx, cy,
                              scratches, sens);
         freeLineSegments(segments);
+        pairScratchEdges(image, width, height, scratches);
 
         // A scratch that reaches into the inspection circle is taken across the whole circle.
         for (ScratchRecord& s : scratches) {
