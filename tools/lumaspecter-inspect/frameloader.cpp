@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
+#include <algorithm>
 #include <opencv2/imgcodecs.hpp>
 
 namespace {
@@ -53,13 +54,19 @@ int loadPicture(const QString& path, std::vector<uint16_t>& frame, QString& erro
     return 1;
 }
 
+// The bits of every sample or-ed together first: one pass the compiler vectorises, and the
+// sample is looked for only in a frame that has one.
 int firstSampleAbove10Bits(const std::vector<uint16_t>& frame) {
-    for (size_t i = 0; i < frame.size(); ++i) {
-        if (frame[i] > kMaxSample) {
-            return int(i);
-        }
+    uint16_t all = 0;
+    for (uint16_t sample : frame) {
+        all |= sample;
     }
-    return -1;
+    if (all <= kMaxSample) {
+        return -1;
+    }
+    return int(std::find_if(frame.begin(), frame.end(),
+                            [](uint16_t sample) { return sample > kMaxSample; }) -
+               frame.begin());
 }
 
 int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
@@ -81,9 +88,8 @@ int loadRaw(const QString& path, std::vector<uint16_t>& frame, QString& error) {
     if (file.read(reinterpret_cast<char*>(frame.data()), kRawFrameBytes) != kRawFrameBytes) {
         return fail(error, "read failed: " + file.errorString());
     }
-    for (uint16_t& sample : frame) {
-        sample = qFromLittleEndian(sample);
-    }
+    // In place: nothing to do on a little-endian host.
+    qFromLittleEndian<uint16_t>(frame.data(), qsizetype(frame.size()), frame.data());
     const int bad = firstSampleAbove10Bits(frame);
     if (bad >= 0) {
         return fail(error, QString("not a 10-bit raw frame: sample at (%1, %2) is %3")
