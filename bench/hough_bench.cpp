@@ -24,8 +24,8 @@ cv::Mat quarterScalePicture() {
     cv::Mat frame(kSensorHeight, kSensorWidth, CV_8UC1);
     sim::renderGray(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data);
     cv::Mat small;
-    cv::resize(frame, small, cv::Size(int(kSensorWidth * kScale), int(kSensorHeight * kScale)),
-               0.0, 0.0, cv::INTER_LINEAR);
+    cv::resize(frame, small, cv::Size(int(kSensorWidth * kScale), int(kSensorHeight * kScale)), 0.0,
+               0.0, cv::INTER_LINEAR);
     cv::GaussianBlur(small, small, cv::Size(5, 5), 0.0);
     return small;
 }

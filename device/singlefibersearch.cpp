@@ -49,10 +49,10 @@ int cvSearchSingleFiber(const unsigned char* image8, unsigned width, unsigned he
 
     // The minimum distance between centers is the scaled width, so one circle survives.
     HoughCircle circles[kMaxCircles];
-    const int found = houghCirclesGradient(
-        small.data, scaledWidth, scaledHeight, width * scale, 50.0, 25.0,
-        static_cast<int>(minDiameter * scale * 0.5), static_cast<int>(maxDiameter * scale * 0.5),
-        circles, kMaxCircles);
+    const int found =
+        houghCirclesGradient(small.data, scaledWidth, scaledHeight, width * scale, 50.0, 25.0,
+                             static_cast<int>(minDiameter * scale * 0.5),
+                             static_cast<int>(maxDiameter * scale * 0.5), circles, kMaxCircles);
     if (found <= 0) {
         x = width / 2;
         y = height / 2;
