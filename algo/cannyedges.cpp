@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "nobadalloc.h"
+
 namespace {
 
 // A pixel's state while edges are followed, and the gradient's direction across an edge.
@@ -108,24 +110,25 @@ void followEdges(std::vector<int>& edges, Work& work) {
 
 }  // namespace
 
-std::vector<EdgePixel> findCannyEdges(const unsigned char* image, int width, int height,
-                                      double lower, double upper) {
-    if (width < 3 || height < 3) {
-        return {};
-    }
-    const size_t pixels = size_t(width) * size_t(height);
-    Work work{width, height, std::vector<int16_t>(pixels, 0), std::vector<uint8_t>(pixels, 0)};
-    magnitudes(image, work);
-    // Magnitudes are whole numbers: above a threshold means above its whole part.
-    std::vector<int> edges =
-        thinToMaxima(image, int(std::floor(lower)), int(std::floor(upper)), work);
-    followEdges(edges, work);
-
-    std::vector<EdgePixel> points;
-    points.reserve(edges.size());
-    for (int i : edges) {
-        const Gradient g = sobelAt(image + i, width);
-        points.push_back({i % width, i / width, g.dx, g.dy});
-    }
-    return points;
+int findCannyEdges(const unsigned char* image, int width, int height, double lower, double upper,
+                   std::vector<EdgePixel>& points) {
+    return minusOneOnBadAlloc([&] {
+        points.clear();
+        if (width < 3 || height < 3) {
+            return 0;
+        }
+        const size_t pixels = size_t(width) * size_t(height);
+        Work work{width, height, std::vector<int16_t>(pixels, 0), std::vector<uint8_t>(pixels, 0)};
+        magnitudes(image, work);
+        // Magnitudes are whole numbers: above a threshold means above its whole part.
+        std::vector<int> edges =
+            thinToMaxima(image, int(std::floor(lower)), int(std::floor(upper)), work);
+        followEdges(edges, work);
+        points.reserve(edges.size());
+        for (int i : edges) {
+            const Gradient g = sobelAt(image + i, width);
+            points.push_back({i % width, i / width, g.dx, g.dy});
+        }
+        return int(points.size());
+    });
 }

@@ -13,8 +13,8 @@ struct EdgePixel {
     int dx, dy;  // the Sobel derivatives there
 };
 
-// The edge pixels of the width x height picture, in raster order. Pixels on the picture's
-// border are never edges. Throws std::bad_alloc when memory runs out (callers guard with
-// minusOneOnBadAlloc).
-std::vector<EdgePixel> findCannyEdges(const unsigned char* image, int width, int height,
-                                      double lower, double upper);
+// Fills `edges` with the edge pixels of the width x height picture, in raster order, and
+// returns their number; -1 when memory ran out. Pixels on the picture's border are never
+// edges.
+int findCannyEdges(const unsigned char* image, int width, int height, double lower, double upper,
+                   std::vector<EdgePixel>& edges);

@@ -233,8 +233,10 @@ int houghCirclesGradient(const unsigned char* image, int width, int height, doub
             maxRadius = std::max(width, height);
         }
         minRadius = std::max(minRadius, 0);
-        const std::vector<EdgePixel> edges =
-            findCannyEdges(image, width, height, cannyUpper / 2, cannyUpper);
+        std::vector<EdgePixel> edges;
+        if (findCannyEdges(image, width, height, cannyUpper / 2, cannyUpper, edges) < 0) {
+            return -1;
+        }
         const Votes votes = vote(edges, width, height, minRadius, maxRadius);
         std::vector<HoughCircle> found;
         for (int cell : centerCells(votes, accThreshold)) {

@@ -111,7 +111,9 @@ int FindLines(const unsigned char* image, int width, int height, int cx, int cy,
         MergeLumaspecSegment(reinterpret_cast<const ScratchRecord*>(segments), segmentCount, cx, cy,
                              scratches, sens);
         freeLineSegments(segments);
-        pairScratchEdges(image, width, height, scratches);
+        if (pairScratchEdges(image, width, height, scratches) < 0) {
+            return -1;
+        }
 
         // A scratch that reaches into the inspection circle is taken across the whole circle.
         for (ScratchRecord& s : scratches) {

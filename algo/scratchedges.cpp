@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "nobadalloc.h"
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -102,38 +104,62 @@ ScratchRecord middleOf(const ScratchRecord& a, const ScratchRecord& b, double se
             std::max(a.significance, b.significance)};
 }
 
+// The nearest other edge of line byLength[a] among the shorter lines not yet taken, or
+// lines.size() for none; its place across the line goes to best.
+size_t nearestOtherEdge(const unsigned char* image, int width, int height,
+                        const std::vector<ScratchRecord>& lines,
+                        const std::vector<size_t>& byLength, size_t a,
+                        const std::vector<bool>& taken, Partner& best) {
+    const size_t i = byLength[a];
+    size_t partner = lines.size();
+    for (size_t b = a + 1; b < byLength.size(); ++b) {
+        const size_t j = byLength[b];
+        Partner p;
+        if (!taken[j] && isOtherEdge(image, width, height, lines[i], lines[j], p) &&
+            (partner == lines.size() || std::abs(p.separation) < std::abs(best.separation))) {
+            partner = j;
+            best = p;
+        }
+    }
+    return partner;
+}
+
 }  // namespace
 
-void pairScratchEdges(const unsigned char* image, int width, int height,
-                      std::vector<ScratchRecord>& lines) {
-    // Longest first, so that a line picks its partner before the pieces near it do.
-    std::stable_sort(
-        lines.begin(), lines.end(), [](const ScratchRecord& a, const ScratchRecord& b) {
-            return std::hypot(a.x2 - a.x1, a.y2 - a.y1) > std::hypot(b.x2 - b.x1, b.y2 - b.y1);
-        });
-    std::vector<ScratchRecord> paired;
-    std::vector<bool> used(lines.size(), false);
-    for (size_t i = 0; i < lines.size(); ++i) {
-        if (used[i]) {
-            continue;
+int pairScratchEdges(const unsigned char* image, int width, int height,
+                     std::vector<ScratchRecord>& lines) {
+    return minusOneOnBadAlloc([&] {
+        // Lines choose their partners longest first, so that a line picks the other edge
+        // before the pieces near it do; the list keeps its order, a pair in its longer line's
+        // place.
+        std::vector<size_t> byLength(lines.size());
+        for (size_t i = 0; i < lines.size(); ++i) {
+            byLength[i] = i;
         }
-        // The nearest other edge.
-        size_t partner = lines.size();
-        Partner best{0.0, 0.0, 0.0};
-        for (size_t j = i + 1; j < lines.size(); ++j) {
-            Partner p;
-            if (!used[j] && isOtherEdge(image, width, height, lines[i], lines[j], p) &&
-                (partner == lines.size() || std::abs(p.separation) < std::abs(best.separation))) {
-                partner = j;
-                best = p;
+        auto length = [&](size_t i) {
+            return std::hypot(lines[i].x2 - lines[i].x1, lines[i].y2 - lines[i].y1);
+        };
+        std::stable_sort(byLength.begin(), byLength.end(),
+                         [&](size_t a, size_t b) { return length(a) > length(b); });
+        std::vector<ScratchRecord> paired = lines;
+        std::vector<bool> taken(lines.size(), false);
+        for (size_t a = 0; a < byLength.size(); ++a) {
+            const size_t i = byLength[a];
+            Partner best{0.0, 0.0, 0.0};
+            const size_t partner =
+                taken[i] ? lines.size()
+                         : nearestOtherEdge(image, width, height, lines, byLength, a, taken, best);
+            if (partner != lines.size()) {
+                taken[partner] = true;
+                paired[i] = middleOf(lines[i], lines[partner], best.separation);
             }
         }
-        if (partner == lines.size()) {
-            paired.push_back(lines[i]);
-            continue;
+        lines.clear();
+        for (size_t i = 0; i < paired.size(); ++i) {
+            if (!taken[i]) {
+                lines.push_back(paired[i]);
+            }
         }
-        used[partner] = true;
-        paired.push_back(middleOf(lines[i], lines[partner], best.separation));
-    }
-    lines = std::move(paired);
+        return int(lines.size());
+    });
 }

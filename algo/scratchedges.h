@@ -12,5 +12,6 @@
 // the band, as wide as the lines lie apart, spanning both lines' lengths.
 //
 // `image` is the 8-bit gray picture the lines were found in (width x height, rows packed).
-void pairScratchEdges(const unsigned char* image, int width, int height,
-                      std::vector<ScratchRecord>& lines);
+// Returns the number of lines left, or -1 (lines unchanged) when memory ran out.
+int pairScratchEdges(const unsigned char* image, int width, int height,
+                     std::vector<ScratchRecord>& lines);
