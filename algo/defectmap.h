@@ -27,7 +27,8 @@ public:
                                int height, int cx, int cy) const;
 
 private:
-    int ringAt(long squaredDistance) const;
+    void markRow(const unsigned char* image, unsigned char* defectMap, int width, int y, int cx,
+                 int colFirst, int colLast, long dy2, const int* wholeThresholds) const;
     int largestRadius() const;
 
     int radii_[2 * kMaxRings] = {};

@@ -43,34 +43,42 @@ bool CheckColorInRange(const unsigned char* pixel, int width, unsigned char colo
     return false;
 }
 
-// The closing's dilation: a set pixel with a clear direct neighbour spreads to its 3 x 3
-// window. Rows and columns 1 .. size - 3 are visited.
-void ImgDilate(const unsigned char* source, unsigned char* target, int width, int height) {
-    std::memset(target, 0, static_cast<size_t>(width) * height);
+// Calls visit(offset) for every set pixel of rows and columns 1 .. size - 3, row by row: the
+// set pixels are few, and memchr finds them many bytes at a time.
+template <typename Visit>
+void forEachSetPixel(const unsigned char* map, int width, int height, Visit visit) {
     for (int y = 1; y < height - 2; ++y) {
-        for (int x = 1; x < width - 2; ++x) {
-            const long offset = static_cast<long>(y) * width + x;
-            if (source[offset] != kSet) {
-                continue;
-            }
-            if (HasColorAdjacencyPixel(source + offset, width, 0)) {
-                SetWindowColor(target + offset, width, kSet);
-            } else {
-                target[offset] = kSet;
-            }
+        const unsigned char* row = map + static_cast<long>(y) * width;
+        const unsigned char* end = row + width - 2;
+        for (const unsigned char* p = row + 1;
+             (p = static_cast<const unsigned char*>(std::memchr(p, kSet, size_t(end - p)))) !=
+             nullptr;
+             ++p) {
+            visit(p - map);
         }
     }
 }
 
-// The closing's erosion: a pixel stays set only when its whole 3 x 3 window is set.
+// The closing's dilation: a set pixel with a clear direct neighbour spreads to its 3 x 3
+// window. Rows and columns 1 .. size - 3 are visited.
+void ImgDilate(const unsigned char* source, unsigned char* target, int width, int height) {
+    std::memset(target, 0, static_cast<size_t>(width) * height);
+    forEachSetPixel(source, width, height, [&](long offset) {
+        if (HasColorAdjacencyPixel(source + offset, width, 0)) {
+            SetWindowColor(target + offset, width, kSet);
+        } else {
+            target[offset] = kSet;
+        }
+    });
+}
+
+// The closing's erosion: a pixel stays set only when its whole 3 x 3 window is set (a clear
+// pixel's window holds the pixel itself, so only set pixels need a look).
 void ImgErode(const unsigned char* source, unsigned char* target, int width, int height) {
     std::memset(target, 0, static_cast<size_t>(width) * height);
-    for (int y = 1; y < height - 2; ++y) {
-        for (int x = 1; x < width - 2; ++x) {
-            const long offset = static_cast<long>(y) * width + x;
-            target[offset] = CheckColorInRange(source + offset, width, 0) ? 0 : kSet;
-        }
-    }
+    forEachSetPixel(source, width, height, [&](long offset) {
+        target[offset] = CheckColorInRange(source + offset, width, 0) ? 0 : kSet;
+    });
 }
 
 }  // namespace
@@ -101,14 +109,22 @@ int GetFiberValidDefect::ClarityLabelingFillFlood(unsigned char* map, int width,
                                                   int rowFrom, int rowTo, int colFrom, int colTo,
                                                   int cx, int cy, unsigned char* regions) {
     count_ = 0;
+    if (colFrom > colTo) {
+        return 0;
+    }
+    // The list grows when it is full, as soon as its last place is taken.
     for (int y = rowFrom; y <= rowTo; ++y) {
-        for (int x = colFrom; x <= colTo; ++x) {
-            if (map[static_cast<long>(y) * width + x] == kSet &&
-                FillRegion(map, regions, width, height, x, y, cx, cy, kMinRegionSide) == 0) {
+        unsigned char* row = map + static_cast<long>(y) * width;
+        for (unsigned char* p = row + colFrom;
+             (p = static_cast<unsigned char*>(std::memchr(p, kSet, size_t(row + colTo + 1 - p)))) !=
+             nullptr;
+             ++p) {
+            if (FillRegion(map, regions, width, height, int(p - row), y, cx, cy, kMinRegionSide) ==
+                0) {
                 ++count_;
-            }
-            if (count_ == capacity_ && !growList()) {
-                return -1;
+                if (count_ == capacity_ && !growList()) {
+                    return -1;
+                }
             }
         }
     }

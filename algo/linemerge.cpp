@@ -186,15 +186,18 @@ bool LineMerge::joins(const Candidate& seed, const Candidate& candidate, double 
     const double b = along(c.x2, c.y2, s.x1, s.y1, ux, uy);
     const double gap =
         Point2PointDisExcludeLength(extentFirst, extentLast, std::min(a, b), std::max(a, b));
-    // A group bridges no gap longer than itself: short pieces far apart, such as the outlines
-    // of two spots meeting a common tangent, make no scratch.
-    if (gap >= gap_ || gap > extentLast - extentFirst) {
+    if (gap >= gap_) {
         return false;
     }
     // Sideways, a piece may lie p pixels off, the other edge of a scratch up to p wide, and
-    // stray further by what the angle tolerance allows over the gap it bridges.
+    // stray further by what the angle tolerance allows over the gap it bridges. The group's
+    // line is itself only known to within its width over its length: across the gap it may
+    // lie gap * width / length off, and that uncertainty counts against the piece. A long
+    // straight group reaches far; the short, wide outline of a spot predicts too little to
+    // pick up another spot's outline far along its tangent.
     const double offset = Point2PointLineABSDis(c, s.x1, s.y1, ux, uy);
-    return offset < p_ + gap * std::tan(angleTol_);
+    const double lineUncertainty = gap * s.width / (extentLast - extentFirst);
+    return offset + lineUncertainty < p_ + gap * std::tan(angleTol_);
 }
 
 int LineMerge::GetPartOne(std::vector<ScratchRecord>& out) {

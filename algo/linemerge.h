@@ -37,9 +37,11 @@ private:
         ScratchRecord segment;  // endpoints with x1 <= x2
         double angle;           // direction folded to [0, pi): the line's orientation
         double length;
-        int state;  // kFree, or the number of the group it joined
+        int state;  // kFree, or the number of the group it joined (0, 1, 2 ...)
     };
-    static constexpr int kFree = 4;
+    // Groups are numbered from 0 upwards, so the free marker lies below them: a marker inside
+    // their range would make the members of that group look free again.
+    static constexpr int kFree = -1;
 
     void SetPara(double angleTol, int p, int gap);
     bool FillPoint(const ScratchRecord& segment, int minLength);

@@ -82,7 +82,7 @@ struct LevelLineField {
     int xsize = 0;
     int ysize = 0;
     Buffer<LevelLine> dir;
-    Buffer<float> modgrad;  // gradient norm
+    Buffer<double> modgrad;  // gradient norm
     Buffer<uint8_t> state;
 
     bool isDefined(int i) const { return (state[i] & kDefined) != 0; }

@@ -10,7 +10,7 @@ namespace lsd {
 
 LevelLineField allocateLevelLineField(int xsize, int ysize) {
     const size_t n = size_t(xsize) * ysize;
-    return LevelLineField{xsize, ysize, allocate<LevelLine>(n), allocate<float>(n),
+    return LevelLineField{xsize, ysize, allocate<LevelLine>(n), allocate<double>(n),
                           allocateZeroed<uint8_t>(n)};
 }
 
@@ -34,7 +34,7 @@ void computeLevelLines(const LsdImage& image, double rho, LevelLineField& field)
     for (int i = 0; i < X * Y; ++i) {
         // What earlier passes accepted stays taken, and out of reach of region growing.
         field.state[i] = (field.state[i] & kTaken) != 0 ? (kTaken | kUsed) : 0;
-        field.modgrad[i] = 0.0f;
+        field.modgrad[i] = 0.0;
     }
     for (int y = 0; y + 1 < Y; ++y) {
         const double* top = image.data + size_t(y) * X;
@@ -46,7 +46,7 @@ void computeLevelLines(const LsdImage& image, double rho, LevelLineField& field)
             const double gy = com1 - com2;
             const double g = std::sqrt(gx * gx + gy * gy);  // 2 norm
             const size_t i = size_t(y) * X + x;
-            field.modgrad[i] = static_cast<float>(0.5 * g);
+            field.modgrad[i] = 0.5 * g;
             if (0.5 * g > rho) {
                 field.dir[i] = LevelLine{static_cast<float>(-gy / g), static_cast<float>(gx / g)};
                 field.state[i] |= kDefined;
@@ -130,28 +130,26 @@ void restrictToSearchArea(const SearchArea& area, double scale, LevelLineField& 
 /*----------------------------------------------------------------------------------------------*/
 
 // Regions are seeded from the strongest gradients first: edges are sharpest there, so the
-// first regions follow the true structures. A full sort is not needed; the norms are put in
-// n_bins bins between 0 and the largest norm and the bins are visited from the top, pixels of
-// a bin in scan order. This is a counting sort, linear in the number of pixels.
+// first regions follow the true structures. A full sort is not needed; the norms (in double
+// precision) are put in n_bins bins between 0 and the largest norm of the whole picture, and
+// the bins are visited from the top. As the published implementation does, each bin is filled
+// column by column (x in the outer loop) and its pixels are visited in that order: which pixel
+// seeds first, and so where a curved edge is cut, follows from it. This is a counting sort,
+// linear in the number of pixels.
 int orderByGradient(const LevelLineField& field, int n_bins, int* order) {
-    const int n = field.xsize * field.ysize;
-    double max_grad = 0.0;
-    for (int i = 0; i < n; ++i) {
-        if (field.isFree(i)) {
-            max_grad = std::max(max_grad, double(field.modgrad[i]));
-        }
-    }
+    const int X = field.xsize;
+    const int Y = field.ysize;
+    const double max_grad = *std::max_element(field.modgrad.get(), field.modgrad.get() + X * Y);
     if (max_grad <= 0.0) {
         return 0;
     }
-    const double to_bin = n_bins / max_grad;
     auto bin = [&](int i) {
-        return std::min(static_cast<int>(field.modgrad[i] * to_bin), n_bins - 1);
+        return std::min(static_cast<int>(field.modgrad[i] * n_bins / max_grad), n_bins - 1);
     };
 
     // start[b]: where bin b begins in order, bins from the top one down.
     Buffer<int> start = allocateZeroed<int>(size_t(n_bins));
-    for (int i = 0; i < n; ++i) {
+    for (int i = 0; i < X * Y; ++i) {
         if (field.isFree(i)) {
             ++start[bin(i)];
         }
@@ -162,9 +160,12 @@ int orderByGradient(const LevelLineField& field, int n_bins, int* order) {
         start[b] = count;
         count += inBin;
     }
-    for (int i = 0; i < n; ++i) {
-        if (field.isFree(i)) {
-            order[start[bin(i)]++] = i;
+    for (int x = 0; x < X; ++x) {
+        for (int y = 0; y < Y; ++y) {
+            const int i = y * X + x;
+            if (field.isFree(i)) {
+                order[start[bin(i)]++] = i;
+            }
         }
     }
     return count;

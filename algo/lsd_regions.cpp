@@ -62,8 +62,9 @@ Direction growRegion(int x, int y, double prec, LevelLineField& field, Region& r
     field.state[size_t(y) * X + x] |= kUsed;
     for (int i = 0; i < region.size; ++i) {
         const Point p = region.pts[i];
-        for (int yy = std::max(p.y - 1, 0); yy <= std::min(p.y + 1, Y - 1); ++yy) {
-            for (int xx = std::max(p.x - 1, 0); xx <= std::min(p.x + 1, X - 1); ++xx) {
+        // As the published implementation does: the neighbours column by column (x outside).
+        for (int xx = std::max(p.x - 1, 0); xx <= std::min(p.x + 1, X - 1); ++xx) {
+            for (int yy = std::max(p.y - 1, 0); yy <= std::min(p.y + 1, Y - 1); ++yy) {
                 const int j = yy * X + xx;
                 if (!field.isFree(j) || !field.aligned(j, reg.dx, reg.dy, cos_tau)) {
                     continue;

@@ -5,6 +5,7 @@
 #include "mergesegment.h"
 #include "nobadalloc.h"
 #include "scratchannuli.h"
+#include "scratchedges.h"
 #include "scratchgeometry.h"
 #include "segmentsearch.h"
 
@@ -110,6 +111,9 @@ int FindLines(const unsigned char* image, int width, int height, int cx, int cy,
         MergeLumaspecSegment(reinterpret_cast<const ScratchRecord*>(segments), segmentCount, cx, cy,
                              scratches, sens);
         freeLineSegments(segments);
+        if (pairScratchEdges(image, width, height, scratches) < 0) {
+            return -1;
+        }
 
         // A scratch that reaches into the inspection circle is taken across the whole circle.
         for (ScratchRecord& s : scratches) {

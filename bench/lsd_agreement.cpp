@@ -12,7 +12,10 @@
 //    meaningful to it at all (ours stays at 440-500, what the count of pixels gives), so it
 //    improves, keeps and drops other rectangles;
 //  - it keeps the region's angle in single precision with an approximate arctangent, so
-//    pixels at the edge of the angle tolerance join other regions than in the method.
+//    pixels at the edge of the angle tolerance join other regions than in the method;
+//  - it visits the pixels of a gradient bin, and a region's neighbours, row by row where the
+//    published implementation goes column by column (turned row by row, ours agrees with it
+//    on 76 to 94 % of the ends after a common sub-sampling instead of 59 to 82 %).
 // Where a curve (a spot's outline, the fiber's rim) is cut into chords is decided by such
 // small differences, so two faithful detectors do not cut it alike. Three measures are taken:
 // the segments whose two ends match one of the other's (within 1.5 px, either order), first

@@ -1,9 +1,9 @@
 #include "singlefibersearch.h"
 
 #include <opencv2/imgproc.hpp>
-#include <vector>
 
 #include "fibercenter.h"
+#include "houghcircles.h"
 #include "instrumentoptics.h"
 #include "libcapture.h"
 
@@ -13,6 +13,10 @@ namespace {
 // whole crop lies inside the frame.
 constexpr unsigned kRefineCrop = 320;
 constexpr unsigned kRefineMargin = kRefineCrop / 2;
+
+// Circles the coarse search asks for; only the first is used, the count says whether any was
+// found.
+constexpr int kMaxCircles = 8;
 
 // Keeps a window of `window` pixels around `center` inside a frame of `size` pixels.
 unsigned clampToWindow(unsigned center, unsigned size, unsigned window) {
@@ -43,20 +47,36 @@ int cvSearchSingleFiber(const unsigned char* image8, unsigned width, unsigned he
     cv::resize(frame, small, cv::Size(scaledWidth, scaledHeight), 0.0, 0.0, cv::INTER_LINEAR);
     cv::GaussianBlur(small, small, cv::Size(5, 5), 0.0);
 
-    std::vector<cv::Vec3f> circles;
     // The minimum distance between centers is the scaled width, so one circle survives.
-    cv::HoughCircles(small, circles, cv::HOUGH_GRADIENT, 1.0, width * scale, 50.0, 25.0,
-                     static_cast<int>(minDiameter * scale * 0.5),
-                     static_cast<int>(maxDiameter * scale * 0.5));
-    if (circles.empty()) {
+    HoughCircle circles[kMaxCircles];
+    const int found =
+        houghCirclesGradient(small.data, scaledWidth, scaledHeight, width * scale, 50.0, 25.0,
+                             static_cast<int>(minDiameter * scale * 0.5),
+                             static_cast<int>(maxDiameter * scale * 0.5), circles, kMaxCircles);
+    if (found <= 0) {
         x = width / 2;
         y = height / 2;
         return 0;
     }
     // The transform lists the best-supported circle first.
-    x = static_cast<unsigned>(circles[0][0] / scale);
-    y = static_cast<unsigned>(circles[0][1] / scale);
-    return static_cast<int>(circles.size());
+    x = static_cast<unsigned>(circles[0].x / scale);
+    y = static_cast<unsigned>(circles[0].y / scale);
+    return found;
+}
+
+void refineSingleFiber(const uint16_t* frame10, unsigned width, unsigned height,
+                       unsigned char* gray, unsigned& x, unsigned& y) {
+    if (!insideRefineMargin(x, y, width, height)) {
+        return;
+    }
+    convert_y10bit_to_y8bit(frame10, gray, width, height, x - kRefineMargin, y - kRefineMargin,
+                            kRefineCrop, kRefineCrop);
+    int cx = kRefineMargin, cy = kRefineMargin, r = kCladdingRadiusPx;
+    // Whatever center the refinement leaves is used: the fitted one, the blob's, or the crop's
+    // own center when it found nothing, which keeps the coarse center.
+    AlgGetFiberCenterXY(gray, kRefineCrop, kRefineCrop, kCladdingRadiusPx, cx, cy, r);
+    x += cx - static_cast<int>(kRefineMargin);
+    y += cy - static_cast<int>(kRefineMargin);
 }
 
 int searchSingleFiber(const uint16_t* frame10, unsigned width, unsigned height, unsigned char* gray,
@@ -77,15 +97,8 @@ int searchSingleFiber(const uint16_t* frame10, unsigned width, unsigned height, 
         }
     }
 
-    if (refine && insideRefineMargin(x, y, width, height)) {
-        convert_y10bit_to_y8bit(frame10, gray, width, height, x - kRefineMargin, y - kRefineMargin,
-                                kRefineCrop, kRefineCrop);
-        int cx = kRefineMargin, cy = kRefineMargin, r = kCladdingRadiusPx;
-        // Whatever center the refinement leaves is used: the fitted one, the blob's, or the
-        // crop's own center when it found nothing, which keeps the coarse center.
-        AlgGetFiberCenterXY(gray, kRefineCrop, kRefineCrop, kCladdingRadiusPx, cx, cy, r);
-        x += cx - static_cast<int>(kRefineMargin);
-        y += cy - static_cast<int>(kRefineMargin);
+    if (refine) {
+        refineSingleFiber(frame10, width, height, gray, x, y);
         rawX = x;
         rawY = y;
     }

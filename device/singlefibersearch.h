@@ -21,6 +21,13 @@ int searchSingleFiber(const uint16_t* frame10, unsigned width, unsigned height, 
                       unsigned& x, unsigned& y, unsigned& rawX, unsigned& rawY,
                       unsigned windowWidth, unsigned windowHeight, bool refine);
 
+// The refinement of a coarse center (x, y) in a raw 10-bit frame: where the 320 x 320 crop
+// around it lies inside the frame, the center becomes the one fitted to the cladding's edge in
+// that crop (or the blob's, when the fit cannot run); otherwise it stays. `gray` is a work
+// buffer of at least 320 x 320 bytes.
+void refineSingleFiber(const uint16_t* frame10, unsigned width, unsigned height,
+                       unsigned char* gray, unsigned& x, unsigned& y);
+
 // The coarse search: the 8-bit picture shrunk by `scale`, smoothed, and searched with the
 // circle Hough transform; the best-supported circle's center in full-size pixels goes to
 // (x, y). Diameters of 0 set no limit. Returns the number of circles found; with none, (x, y)

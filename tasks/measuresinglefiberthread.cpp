@@ -50,7 +50,7 @@ MeasureSingleFiberThread::MeasureSingleFiberThread(QObject* parent)
       maskRegion_(kMaxRegionPixels),
       defectMap_(kMaxRegionPixels),
       defectMap2_(kMaxRegionPixels),
-      labelMap_(kMaxRegionPixels),
+      labelMap_(kMaxRegionPixels, short(-1)),
       defectList_(kMaxDefects),
       scratches_(kMaxScratches),
       scratchZones_(kMaxScratches) {
@@ -146,13 +146,24 @@ bool MeasureSingleFiberThread::zoneMapFits() const {
            painted_.centerY == centerY_ && sameZones(painted_.zones, task_);
 }
 
+// The label map is -1 but over the boxes of the defects the last run found: only those are put
+// back, instead of the whole map.
+void MeasureSingleFiberThread::unlabelLastDefects() {
+    for (int i = 0; i < defectCount_; ++i) {
+        const defect_info_struct& d = defectList_[size_t(i)];
+        for (int y = d.top; y <= d.bottom; ++y) {
+            std::fill_n(labelMap_.begin() + long(y) * labelledWidth_ + d.left,
+                        std::max(d.right - d.left + 1, 0), short(-1));
+        }
+    }
+}
+
+// The defect detector clears its two maps itself, and they are read only after it found
+// defects: they are not cleared here.
 void MeasureSingleFiberThread::clearForRun() {
-    const size_t pixels = size_t(width_) * height_;
     results_.clear();
+    unlabelLastDefects();
     defectCount_ = scratchCount_ = 0;
-    std::fill_n(defectMap_.begin(), pixels, 0);
-    std::fill_n(defectMap2_.begin(), pixels, 0);
-    std::fill_n(labelMap_.begin(), pixels, short(-1));
     std::fill(scratchZones_.begin(), scratchZones_.end(), short(-1));
     std::fill(std::begin(task_.zoneResults), std::end(task_.zoneResults), TaskZoneResult{});
 }
@@ -172,6 +183,7 @@ void MeasureSingleFiberThread::detectDefects() {
                                      defectMap_.data(), defectMap2_.data(), zoneMap_.data(), task_,
                                      width_, height_, centerX_, centerY_, float(scale_), bands,
                                      bandCount, defectList_.data(), labelMap_.data(), kMaxDefects);
+    labelledWidth_ = width_;
 }
 
 void MeasureSingleFiberThread::detectScratches() {

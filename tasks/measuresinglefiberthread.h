@@ -106,6 +106,7 @@ private:
                                     int centerY);
     bool zoneMapFits() const;
     void clearForRun();
+    void unlabelLastDefects();
     void copyMaskRegion();
     void detectDefects();
     void detectScratches();
@@ -140,6 +141,7 @@ private:
     std::vector<short> scratchZones_;
     PaintedZones painted_;
     int zoneMapPaints_ = 0;
+    int labelledWidth_ = 0;  // the line length of the label map's boxes from the last run
 
     // The results.
     int defectCount_ = 0;

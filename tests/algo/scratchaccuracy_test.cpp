@@ -154,5 +154,5 @@ TEST(ScratchAccuracy, SpotsAloneAreNoScratch) {
     }
     std::printf("regions with spots only: %d, with a scratch reported: %d\n", regions,
                 falseRegions);
-    EXPECT_LE(falseRegions, regions * 5 / 100);
+    EXPECT_LE(falseRegions, regions * 2 / 100);
 }
