@@ -28,7 +28,7 @@ void fillPixFormat(v4l2_pix_format& pix, uint32_t pixelFormat) {
 V4l2CaptureDriver::V4l2CaptureDriver(sim::TwinWorld& world)
     : V4l2Device("/dev/video0", V4L2_BUF_TYPE_VIDEO_CAPTURE),
       world_(world),
-      pixelFormat_(V4L2_PIX_FMT_SBGGR10) {}
+      pixelFormat_(V4L2_PIX_FMT_SGRBG10) {}
 
 V4l2CaptureDriver::~V4l2CaptureDriver() {
     stopStream();

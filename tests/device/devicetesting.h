@@ -1,0 +1,51 @@
+#pragma once
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "fakekernel.h"
+#include "temproot.h"
+#include "twinworld.h"
+
+// What the device tests share: a platform root of their own, the twin's world and the fake
+// kernel serving it, and the counts that show whether a layer gave back what it took.
+
+using Lines = std::vector<std::string>;
+
+struct TwinTest : ::testing::Test {
+    TempRoot root;
+    sim::TwinWorld world;
+    fakekernel::FakeKernel kernel{world};
+};
+
+// Descriptors and memory mappings the process holds now.
+inline int openDescriptors() {
+    int count = 0;
+    DIR* dir = opendir("/proc/self/fd");
+    while (readdir(dir) != nullptr) {
+        ++count;
+    }
+    closedir(dir);
+    return count;
+}
+
+inline int memoryMappings() {
+    std::ifstream maps("/proc/self/maps");
+    int count = 0;
+    for (std::string line; std::getline(maps, line);) {
+        ++count;
+    }
+    return count;
+}
+
+// The first n lines, then the others.
+inline Lines prefixThen(const Lines& lines, size_t n, const Lines& more) {
+    Lines result(lines.begin(), lines.begin() + std::min(n, lines.size()));
+    result.insert(result.end(), more.begin(), more.end());
+    return result;
+}
