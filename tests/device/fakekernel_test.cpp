@@ -57,7 +57,8 @@ TEST_F(FakeKernelTest, TheNthRequestFailsWithTheChosenError) {
               (Lines{"open", "VIDIOC_G_INPUT", "VIDIOC_G_INPUT", "VIDIOC_S_INPUT 0", "close"}));
 }
 
-// One buffer queued: poll reports the frame when the clock has filled it; the mapping sees it.
+// One buffer queued: poll reports the frame when the clock has filled it, the mapping sees it;
+// while the application holds it, frames are dropped.
 TEST_F(FakeKernelTest, AStreamedFrameWakesPollAndShowsInTheMapping) {
     world.setFramePeriod(std::chrono::milliseconds(5));
     const int fd = openCamera();
@@ -84,6 +85,10 @@ TEST_F(FakeKernelTest, AStreamedFrameWakesPollAndShowsInTheMapping) {
     EXPECT_EQ(sys.poll(&ready, 1, 0), 0);
     EXPECT_LT(frame[0], 1024);
     EXPECT_EQ(buffer.bytesused, 2u * kSensorWidth * kSensorHeight);
+    // The application holds the only buffer: the frames meanwhile find none and are dropped.
+    const unsigned dropped = kernel.capture().missedTicks();
+    EXPECT_EQ(sys.poll(&ready, 1, 30), 0);
+    EXPECT_GT(kernel.capture().missedTicks(), dropped);
     ASSERT_EQ(sys.ioctl(fd, VIDIOC_STREAMOFF, &type), 0);
     EXPECT_EQ(sys.munmap(frame, buffer.length), 0);
     sys.close(fd);
