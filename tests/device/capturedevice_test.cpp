@@ -105,7 +105,7 @@ const OpenFailure kOpenFailures[] = {
 };
 
 TEST_F(CaptureDeviceTest, AFailureAtEveryStepIsReportedAndUndone) {
-    const int descriptors = openDescriptors(), mappings = memoryMappings();
+    const int descriptors = openDescriptors(), mappings = bufferMappings();
     for (const OpenFailure& f : kOpenFailures) {
         SCOPED_TRACE(kOpenSequence[f.failing - 1]);
         camera.clearRequests();
@@ -121,7 +121,7 @@ TEST_F(CaptureDeviceTest, AFailureAtEveryStepIsReportedAndUndone) {
         EXPECT_EQ(printed, expected);
         EXPECT_EQ(camera.requests(), prefixThen(kOpenSequence, f.failing, f.cleanup));
         EXPECT_EQ(openDescriptors(), descriptors);
-        EXPECT_EQ(memoryMappings(), mappings);
+        EXPECT_EQ(bufferMappings(), mappings);
     }
     EXPECT_EQ(init_capture_device(), 0);
 }

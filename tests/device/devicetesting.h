@@ -23,7 +23,7 @@ struct TwinTest : ::testing::Test {
     fakekernel::FakeKernel kernel{world};
 };
 
-// Descriptors and memory mappings the process holds now.
+// Descriptors the process holds now.
 inline int openDescriptors() {
     int count = 0;
     DIR* dir = opendir("/proc/self/fd");
@@ -34,11 +34,13 @@ inline int openDescriptors() {
     return count;
 }
 
-inline int memoryMappings() {
+// The device buffers' mappings (the driver's and the application's), among all the process's:
+// the threads' heaps and the libraries' pools come and go on their own.
+inline int bufferMappings() {
     std::ifstream maps("/proc/self/maps");
     int count = 0;
     for (std::string line; std::getline(maps, line);) {
-        ++count;
+        count += line.find("lumaspecter-v4l2-buffer") != std::string::npos;
     }
     return count;
 }

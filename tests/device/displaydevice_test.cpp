@@ -119,7 +119,7 @@ const SetUpFailure kSetUpFailures[] = {
 };
 
 TEST_F(DisplayDeviceTest, AFailureAtEveryStepIsReported) {
-    const int descriptors = openDescriptors(), mappings = memoryMappings();
+    const int descriptors = openDescriptors(), mappings = bufferMappings();
     for (const SetUpFailure& f : kSetUpFailures) {
         const bool wide = f.width == 800;
         const Lines sequence = wide ? openSequence("800x480", "0,0 800x480", true, "768000")
@@ -141,7 +141,7 @@ TEST_F(DisplayDeviceTest, AFailureAtEveryStepIsReported) {
         // What stays open is closed by the release, as the capture thread always calls it.
         EXPECT_EQ(release_display_device(), f.closed ? -1 : 0);
         EXPECT_EQ(openDescriptors(), descriptors);
-        EXPECT_EQ(memoryMappings(), mappings);
+        EXPECT_EQ(bufferMappings(), mappings);
     }
 }
 
