@@ -2,8 +2,8 @@
 // samples it takes for the autofocus (mode 2).
 
 #include "capturethread.h"
+#include "framesharpness.h"
 #include "libcapture.h"
-#include "sharpnessregions.h"
 
 namespace {
 
@@ -33,14 +33,7 @@ double CaptureThread::imageSharpness() {
     }
     const SharpnessPlan plan =
         sharpnessPlan(mode, rememberedLiveMode_, fiberX_, fiberY_, sharpnessX_, sharpnessY_);
-    double sum = 0.0;
-    for (int i = 0; i < plan.squares; ++i) {
-        const SharpnessSquare& s = plan.square[i];
-        convert_y10bit_to_y8bit(rawFrame_, grayBuffer_.get(), kSensorWidth, kSensorHeight, s.left,
-                                s.top, s.side, s.side);
-        sum += focus_.GetAllGDEndface(grayBuffer_.get(), int(s.side), int(s.side));
-    }
-    const double sharpness = plan.squares > 0 ? sum * plan.factor : 0.0;
+    const double sharpness = measurePlan(focus_, rawFrame_, plan, grayBuffer_.get());
     if (plan.announced) {
         emit updateSharpnessValue(int(sharpness));
     }

@@ -26,8 +26,12 @@ CaptureThread::CaptureThread(bool useVideoOutput, QObject* parent)
     registerSignalTypes();
 }
 
+// A run that ended by itself is waited for too, and its lock taken once, so that nothing the
+// run wrote is still under way when the buffers go.
 CaptureThread::~CaptureThread() {
     stopCapture();
+    wait();
+    std::lock_guard<std::mutex> ended(runLock_);
 }
 
 int CaptureThread::startCapture(Capture_Mode mode) {
@@ -173,20 +177,21 @@ void CaptureThread::handleFrame() {
         msleep(kDequeueBackOffMs);
         return;
     }
-    rawFrame_ = static_cast<const uint16_t*>(frame);
     void* picture = nullptr;
     const bool withOutput =
         useVideoOutput_.load(std::memory_order_acquire) && get_disp_frame(&picture) == 0;
-    outputPicture_ = withOutput ? static_cast<uint8_t*>(picture) : nullptr;
-    runWorkMode(frameCounter_);
-    ++frameCounter_;
+    processFrame(static_cast<const uint16_t*>(frame),
+                 withOutput ? static_cast<uint8_t*>(picture) : nullptr);
     release_capture_frame();
     if (withOutput) {
         release_disp_frame();
     }
 }
 
-void CaptureThread::runWorkMode(unsigned n) {
+void CaptureThread::processFrame(const uint16_t* frame, uint8_t* outputPicture) {
+    rawFrame_ = frame;
+    outputPicture_ = outputPicture;
+    const unsigned n = frameCounter_++;
     switch (workMode_.load(std::memory_order_acquire)) {
         case CAPTURE_SINGLE_FIBER:
             return captureSingleFiber();

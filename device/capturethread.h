@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QMetaType>
-#include <QMutex>
 #include <QSemaphore>
 #include <QThread>
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <opencv2/core/mat.hpp>
 
 #include "focuscal.h"
@@ -72,6 +72,10 @@ public:
     // The sharpness of the current frame for the work mode; announced in every mode but 7.
     double imageSharpness();
 
+    // Does the work mode's work on one raw frame (and the output picture, or null) and counts
+    // the frame, as the frame loop does with each frame it takes. For benchmarks of the modes.
+    void processFrame(const uint16_t* frame, uint8_t* outputPicture);
+
     // The fiber search (see singlefibersearch.h) with the thread's own work buffer.
     int searchSingleFiber(const uint16_t* frame10, unsigned width, unsigned height, unsigned& x,
                           unsigned& y, unsigned& rawX, unsigned& rawY, unsigned windowWidth,
@@ -100,7 +104,6 @@ private:
     void openDevices();
     void closeDevices();
     void handleFrame();
-    void runWorkMode(unsigned n);
     int search(unsigned windowWidth, unsigned windowHeight, bool refine);
     void setWorkModeFromThread(int mode);
 
@@ -145,7 +148,9 @@ private:
     std::atomic<bool> reSearch_{true};
     int rememberedLiveMode_ = -1;  // none yet
     int sharpnessMax_ = -1, sharpnessMin_ = 10000;
-    QMutex runLock_;
+    // Held by the thread for the whole run. A standard mutex: the thread sanitizer sees what it
+    // orders (the run's writes before whatever follows the stop), which it cannot see in Qt's.
+    std::mutex runLock_;
     // Released by the thread once it holds the run lock: startCapture waits on it instead of
     // polling the lock, which could spin for ever when a one-frame run had already ended
     // between two polls.

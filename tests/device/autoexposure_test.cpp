@@ -39,11 +39,12 @@ struct AutoExposureTest : TwinTest {
         VIDEO2LCD_OFFSET = 0;
     }
 
-    // Ticks while the timer runs, at most `ticks` times, each after two new pictures.
+    // Ticks while the timer runs, at most `ticks` times, each after three new pictures: with
+    // the two driver buffers, the third is the first read out after the last step.
     int tick(int ticks) {
         int n = 0;
         for (; n < ticks && timer.active; ++n) {
-            EXPECT_TRUE(recorder.waitForMore("udpateExposureGray", 2));
+            EXPECT_TRUE(recorder.waitForMore("udpateExposureGray", 3));
             adjustment.onAutoExposure();
         }
         return n;
