@@ -83,7 +83,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     const QJsonObject a = parse(run.lines[0]);
     EXPECT_EQ(a.keys(), QStringList({"centerX", "centerY", "defectCount", "defects", "found",
                                      "image", "left", "ms", "pass", "rawX", "rawY", "scratchCount",
-                                     "scratches", "top", "x", "y", "zoneResults"}));
+                                     "scratches", "sharpness", "top", "x", "y", "zoneResults"}));
     EXPECT_TRUE(a["found"].toBool());
     EXPECT_NEAR(a["rawX"].toInt(), 700, 1);
     EXPECT_NEAR(a["rawY"].toInt(), 530, 1);
@@ -118,7 +118,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
               QStringList({"defects", "overlay", "scratches", "search", "total"}));
 
     const QJsonObject flat = parse(run.lines[3]);
-    EXPECT_EQ(flat.keys(), QStringList({"found", "image", "rawX", "rawY", "x", "y"}));
+    EXPECT_EQ(flat.keys(), QStringList({"found", "image", "rawX", "rawY", "sharpness", "x", "y"}));
     EXPECT_FALSE(flat["found"].toBool());
     EXPECT_EQ(flat["rawX"].toInt(), 800);
     EXPECT_EQ(flat["y"].toInt(), 600);

@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+#include "framesharpness.h"
 #include "inspectionjson.h"
 
 namespace {
@@ -41,6 +42,8 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
         const FiberPlace place = inspection.searchFrame(input.frame.data());
         searchMs = elapsedMs(stage);
         insertAll(result, placeJson(place));
+        // The focus measure single-fiber live view would show for this frame.
+        result.insert("sharpness", liveViewSharpness(input.frame.data(), place.rawX, place.rawY));
         if (!place.found) {
             return result;
         }
