@@ -41,6 +41,11 @@ unsigned V4l2Device::missedTicks() const {
     return missedTicks_;
 }
 
+unsigned V4l2Device::takenBuffers() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return takenBuffers_;
+}
+
 int V4l2Device::open(int file, int flags) {
     if (receive("open") != 0) {
         return -1;
@@ -207,6 +212,7 @@ int V4l2Device::dequeueBuffer(int file, v4l2_buffer& request) {
     }
     const int index = done_.front();
     done_.pop_front();
+    ++takenBuffers_;
     setReadiness(!done_.empty());
     Buffer& b = buffers_[size_t(index)];
     b.withDriver = false;
@@ -230,6 +236,7 @@ int V4l2Device::streamOn(const uint32_t& type) {
     if (!streaming_ && !clockStopping_) {
         streaming_ = true;
         missedTicks_ = 0;
+        takenBuffers_ = 0;
         clock_.start([this] { return framePeriod(); },
                      [this] {
                          std::unique_lock<std::mutex> tickLock(mutex_);

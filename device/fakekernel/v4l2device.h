@@ -40,6 +40,8 @@ public:
 
     // Ticks that found no buffer to use since the stream started.
     unsigned missedTicks() const;
+    // Buffers the application has taken back (VIDIOC_DQBUF) since the stream started.
+    unsigned takenBuffers() const;
 
     int open(int file, int flags) override;
     int close(int file) override;
@@ -106,6 +108,7 @@ private:
     bool streaming_ = false;
     bool clockStopping_ = false;  // the stream is off, its clock not yet stopped
     unsigned missedTicks_ = 0;
+    unsigned takenBuffers_ = 0;
     uint32_t sequence_ = 0;
     FrameClockThread clock_;
 };
