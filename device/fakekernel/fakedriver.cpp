@@ -13,7 +13,7 @@ FakeDriver::~FakeDriver() = default;
 
 std::vector<std::string> FakeDriver::requests() const {
     std::lock_guard<std::mutex> lock(recordMutex_);
-    return requests_;
+    return {requests_.begin(), requests_.end()};
 }
 
 void FakeDriver::clearRequests() {
@@ -54,6 +54,9 @@ bool FakeDriver::shouldFail(const std::string& line, int& error) {
 int FakeDriver::receive(const std::string& line) {
     std::lock_guard<std::mutex> lock(recordMutex_);
     requests_.push_back(line);
+    if (requests_.size() > kRecordLimit) {
+        requests_.pop_front();
+    }
     int error = 0;
     return shouldFail(line, error) ? refuse(error) : 0;
 }

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -26,7 +27,10 @@ public:
 
     const std::string& fixedPath() const { return fixedPath_; }
 
-    // The requests received so far, oldest first, and forgetting them.
+    // The requests received so far, oldest first (the latest kRecordLimit), and forgetting
+    // them. The record is bounded so that a device streaming for hours does not grow it
+    // without end.
+    static constexpr size_t kRecordLimit = 10000;
     std::vector<std::string> requests() const;
     void clearRequests();
 
@@ -59,7 +63,7 @@ private:
 
     const std::string fixedPath_;
     mutable std::mutex recordMutex_;
-    std::vector<std::string> requests_;
+    std::deque<std::string> requests_;
     int failAt_ = 0;  // requests to come until the one that fails; 0: none
     int failAtError_ = 0;
     std::string failName_;

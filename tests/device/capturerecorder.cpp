@@ -4,55 +4,33 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+// Each signal is recorded with its name, its numbers, and its buffer or picture.
 CaptureRecorder::CaptureRecorder(CaptureThread& t) {
     using T = CaptureThread;
+    const auto numbers = [this](const char* name) {
+        return [this, name](auto... n) { add(name, {long(n)...}); };
+    };
+    const auto buffer = [this](const char* name) {
+        return [this, name](unsigned char* g, auto... n) { add(name, {long(n)...}, g); };
+    };
     const auto queued = Qt::QueuedConnection;
-    connect(
-        &t, &T::captureSingleFiberFinished, this,
-        [this](unsigned char* g, int w, int h, int l, int t, int x, int y, int found) {
-            add("captureSingleFiberFinished", {w, h, l, t, x, y, found}, g);
-        },
-        queued);
-    connect(
-        &t, QOverload<unsigned char*, unsigned, unsigned, int, int>::of(&T::captureFinished), this,
-        [this](unsigned char* g, unsigned w, unsigned h, int x, int y) {
-            add("captureFinished", {long(w), long(h), x, y}, g);
-        },
-        queued);
-    connect(
-        &t, QOverload<>::of(&T::captureFinished), this, [this] { add("captureFinished", {}); },
-        queued);
-    connect(
-        &t, &T::captureMutipleFiberFinished, this,
-        [this](unsigned char* g, unsigned w, unsigned h) {
-            add("captureMutipleFiberFinished", {long(w), long(h)}, g);
-        },
-        queued);
+    connect(&t, &T::captureSingleFiberFinished, this, buffer("captureSingleFiberFinished"), queued);
+    connect(&t, QOverload<unsigned char*, unsigned, unsigned, int, int>::of(&T::captureFinished),
+            this, buffer("captureFinished"), queued);
+    connect(&t, QOverload<>::of(&T::captureFinished), this, numbers("captureFinished"), queued);
+    connect(&t, &T::captureMutipleFiberFinished, this, buffer("captureMutipleFiberFinished"),
+            queued);
+    connect(&t, &T::updateFullFrameByScaled, this, buffer("updateFullFrameByScaled"), queued);
+    connect(&t, &T::fiberChange, this, numbers("fiberChange"), queued);
+    connect(&t, &T::captureThreadExit, this, numbers("captureThreadExit"), queued);
+    connect(&t, &T::udpateExposureGray, this, numbers("udpateExposureGray"), queued);
+    connect(&t, &T::updateSharpnessValue, this, numbers("updateSharpnessValue"), queued);
     connect(
         &t, &T::updateVideoFrameByMat, this,
         [this](cv::Mat m) {
             add("updateVideoFrameByMat", {m.cols, m.rows}, nullptr, m);
         },
         queued);
-    connect(
-        &t, &T::updateFullFrameByScaled, this,
-        [this](unsigned char* g, unsigned w, unsigned h) {
-            add("updateFullFrameByScaled", {long(w), long(h)}, g);
-        },
-        queued);
-    connect(
-        &t, &T::fiberChange, this, [this] { add("fiberChange", {}); }, queued);
-    connect(
-        &t, &T::captureThreadExit, this, [this] { add("captureThreadExit", {}); }, queued);
-    connect(
-        &t, &T::udpateExposureGray, this,
-        [this](int exposure, int gray) {
-            add("udpateExposureGray", {exposure, gray});
-        },
-        queued);
-    connect(
-        &t, &T::updateSharpnessValue, this,
-        [this](int value) { add("updateSharpnessValue", {value}); }, queued);
 }
 
 void CaptureRecorder::add(const std::string& name, std::vector<long> numbers,
@@ -83,6 +61,16 @@ const CaptureRecorder::Emitted* CaptureRecorder::last(const std::string& name) c
         }
     }
     return nullptr;
+}
+
+std::vector<long> CaptureRecorder::firstNumbers(const std::string& name) const {
+    std::vector<long> values;
+    for (const Emitted& e : emitted_) {
+        if (e.name == name) {
+            values.push_back(e.numbers[0]);
+        }
+    }
+    return values;
 }
 
 bool CaptureRecorder::waitFor(const std::function<bool()>& done, int timeoutMs) {

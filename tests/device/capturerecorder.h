@@ -26,6 +26,8 @@ public:
     std::vector<std::string> names() const;
     int count(const std::string& name) const;
     const Emitted* last(const std::string& name) const;
+    // The first number of every signal named `name`.
+    std::vector<long> firstNumbers(const std::string& name) const;
     void clear() { emitted_.clear(); }
 
     // Delivers the thread's signals until `done` holds; false after `timeoutMs` without.

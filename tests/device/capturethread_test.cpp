@@ -48,13 +48,7 @@ struct CaptureThreadTest : TwinTest {
         return CaptureRecorder::waitFor([&] { return thread.getThreadWorkMode() == mode; });
     }
     std::vector<long> sharpnessValues() const {
-        std::vector<long> values;
-        for (const CaptureRecorder::Emitted& e : recorder.emitted()) {
-            if (e.name == "updateSharpnessValue") {
-                values.push_back(e.numbers[0]);
-            }
-        }
-        return values;
+        return recorder.firstNumbers("updateSharpnessValue");
     }
 };
 
@@ -167,12 +161,10 @@ TEST_F(CaptureThreadTest, Mode2TakesOneSampleAndReturnsToTheLiveMode) {
         ASSERT_TRUE(recorder.waitForMore("updateVideoFrameByMat", 2));
         thread.setThreadWorkMode(CAPTURE_SHARPNESS_SAMPLE);
         ASSERT_TRUE(modeBecomes(CAPTURE_SINGLE_FIBER_LIVE));
-        if (covered) {
-            EXPECT_EQ(thread.getLastSharpness(), -1.0);
-        } else {
-            EXPECT_GE(thread.getLastSharpness(), kRealSharpnessMin);
-            EXPECT_LE(thread.getLastSharpness(), kRealSharpnessMax);
-        }
+        const double sharpness = thread.getLastSharpness();
+        EXPECT_TRUE(covered ? sharpness == -1.0
+                            : sharpness >= kRealSharpnessMin && sharpness <= kRealSharpnessMax)
+            << sharpness;
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,15 @@ inline int bufferMappings() {
         count += line.find("lumaspecter-v4l2-buffer") != std::string::npos;
     }
     return count;
+}
+
+// What `call` prints, stdout then stderr; its result goes to `result`.
+inline std::string printedBy(const std::function<int()>& call, int& result) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    result = call();
+    const std::string out = testing::internal::GetCapturedStdout();
+    return out + testing::internal::GetCapturedStderr();
 }
 
 // The first n lines, then the others.

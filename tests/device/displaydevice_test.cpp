@@ -11,11 +11,6 @@
 
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
 int exitStatus = -1;
 
 struct DisplayDeviceTest : TwinTest {
@@ -129,11 +124,9 @@ TEST_F(DisplayDeviceTest, AFailureAtEveryStepIsReported) {
         exitStatus = -1;
         display.clearRequests();
         display.failRequest(int(f.failing), EIO);
-        CaptureStdout();
-        CaptureStderr();
-        EXPECT_EQ(init_display_device(), -1);
-        const std::string out = GetCapturedStdout();
-        EXPECT_EQ(out + GetCapturedStderr(), f.printed);
+        int result = 0;
+        EXPECT_EQ(printedBy(init_display_device, result), f.printed);
+        EXPECT_EQ(result, -1);
         const bool opened = f.failing > 1;
         EXPECT_EQ(display.requests(),
                   prefixThen(sequence, f.failing, opened && f.closed ? Lines{"close"} : Lines{}));

@@ -6,59 +6,42 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
+#include <opencv2/core.hpp>
 
 #include "lensoptics.h"
 
 namespace {
 
-using Frame = std::vector<uint16_t>;
+using Frame = cv::Mat;  // 16-bit, kSensorHeight x kSensorWidth
 
 Frame readFrame(sim::TwinWorld& world) {
-    Frame frame(kSensorPixels);
-    world.readFrame(frame.data());
+    Frame frame(kSensorHeight, kSensorWidth, CV_16UC1);
+    world.readFrame(frame.ptr<uint16_t>());
     return frame;
 }
 
 // A 64 x 64 patch of the ferrule, left of the fiber.
-constexpr int kPatchLeft = 400, kPatchTop = 570, kPatchSide = 64;
+const cv::Rect kPatch(400, 570, 64, 64);
 
 double patchMean(const Frame& frame) {
-    double sum = 0.0;
-    for (int y = kPatchTop; y < kPatchTop + kPatchSide; ++y) {
-        for (int x = kPatchLeft; x < kPatchLeft + kPatchSide; ++x) {
-            sum += frame[size_t(y) * kSensorWidth + x];
-        }
-    }
-    return sum / (kPatchSide * kPatchSide);
+    return cv::mean(frame(kPatch))[0];
 }
 
 // Spread of the difference of two frames over the patch, as one frame's noise.
 double temporalNoise(const Frame& a, const Frame& b) {
-    double sum = 0.0, squares = 0.0;
-    for (int y = kPatchTop; y < kPatchTop + kPatchSide; ++y) {
-        for (int x = kPatchLeft; x < kPatchLeft + kPatchSide; ++x) {
-            const double d =
-                double(a[size_t(y) * kSensorWidth + x]) - b[size_t(y) * kSensorWidth + x];
-            sum += d;
-            squares += d * d;
-        }
-    }
-    const double n = kPatchSide * kPatchSide, mean = sum / n;
-    return std::sqrt((squares / n - mean * mean) / 2.0);
+    cv::Mat difference;
+    cv::subtract(a(kPatch), b(kPatch), difference, cv::noArray(), CV_32F);
+    cv::Scalar mean, spread;
+    cv::meanStdDev(difference, mean, spread);
+    return spread[0] / std::sqrt(2.0);
 }
 
 // Mean absolute difference between pixels two apart across the cladding's edge: falls as the
 // edge blurs.
 double edgeDetail(const Frame& frame) {
-    double sum = 0.0;
-    for (int y = 540; y < 660; ++y) {
-        for (int x = 640; x < 720; ++x) {
-            sum += std::abs(int(frame[size_t(y) * kSensorWidth + x + 2]) -
-                            int(frame[size_t(y) * kSensorWidth + x]));
-        }
-    }
-    return sum / (120 * 80);
+    cv::Mat difference;
+    cv::absdiff(frame(cv::Rect(642, 540, 80, 120)), frame(cv::Rect(640, 540, 80, 120)), difference);
+    return cv::mean(difference)[0];
 }
 
 TEST(TwinWorld, GrayLevelsFollowTheExposureUpToTheTopSample) {

@@ -45,12 +45,4 @@ TEST(CaptureTool, WritesEachSignalAndItsPicture) {
     EXPECT_EQ(run.lines[1]["signal"].toString(), "captureThreadExit");
 }
 
-TEST(CaptureTool, RefusesWhatItCannotRun) {
-    for (const QStringList& arguments : {QStringList{"--frames", "3"}, QStringList{"--mode", "11"},
-                                         QStringList{"--mode", "8", "--scene", "fiber=two"},
-                                         QStringList{"--mode", "8", "--scene", "lens=-5"}}) {
-        EXPECT_EQ(capture(arguments).status, 2) << arguments.join(' ').toStdString();
-    }
-}
-
 }  // namespace
