@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QImage>
+#include <algorithm>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
