@@ -4,6 +4,40 @@
 
 #include "instrumentoptics.h"
 
+// The capture layer: the camera at "/dev/video0" and the conversions of its frames.
+//
+// The device functions work on the one capture device of the process (module state, not
+// guarded: only the capture thread streams, and set_exposure is a single request). They return
+// 0, or -1 after reporting the failed request: the request's name and the system's error text
+// on stderr, or, for the messages that end in a line break, the message on stdout.
+
+// One driver buffer as mapped into the process.
+struct capture_buffer_info {
+    unsigned index;   // the driver's buffer index
+    unsigned length;  // bytes mapped
+    void* start;      // the mapping, null when not mapped
+};
+
+// Driver buffers the module holds.
+constexpr unsigned kCaptureBuffers = 2;
+
+// Opens "/dev/video0", selects input 0, sets 1600 x 1200 "BA10", the exposure 20, and maps and
+// queues the driver's buffers. A driver that grants no buffer leaves the device open without
+// buffers and returns 0. Every failure closes the device again.
+int init_capture_device();
+int start_capture();
+int stop_capture();
+// Waits for the next frame (at most a second) and takes its buffer: *frame is the mapped
+// frame, 1600 x 1200 little-endian 10-bit samples, until release_capture_frame().
+int get_capture_frame(void** frame);
+int release_capture_frame();
+// Unmaps the buffers and closes the device.
+int release_capture_device();
+int set_exposure(unsigned int exposure);
+// Writes one 1600 x 1200 frame of `bytesPerPixel` bytes a pixel from `data` to the file at
+// `path` (already under the platform root).
+int save_capture_frame(const char* path, const void* data, int bytesPerPixel);
+
 // Frame conversions of the capture layer. A raw frame holds one little-endian 16-bit word per
 // sensor sample with a 10-bit gray value in its low bits; its line length is the sensor's
 // 1600 samples. S(x, y) below is the sample src[y * srcWidth + x].

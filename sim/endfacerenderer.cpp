@@ -9,6 +9,7 @@
 #include "defectpainter.h"
 #include "facepainter.h"
 #include "gaussianblur.h"
+#include "illumination.h"
 #include "sensorreadout.h"
 
 namespace sim {
@@ -38,14 +39,54 @@ void paintScene(const EndFaceScene& scene, Canvas& canvas) {
     }
 }
 
-void renderBand(const EndFaceScene& scene, int left, int top, int width, int height, uint16_t* out,
-                int stride) {
+Canvas blurredLight(const EndFaceScene& scene, int left, int top, int width, int height) {
     const int reach = blurReach(scene.blurSigmaPx);
     Canvas sharp(left - reach, top - reach, width + 2 * reach, height + 2 * reach);
     paintScene(scene, sharp);
     Canvas light(left, top, width, height);
     gaussianBlur(sharp, scene.blurSigmaPx, light);
-    readOut(scene, light, out, stride);
+    return light;
+}
+
+void renderBand(const EndFaceScene& scene, int left, int top, int width, int height, uint16_t* out,
+                int stride) {
+    readOut(scene, blurredLight(scene, left, top, width, height), out, stride);
+}
+
+void lightBand(const EndFaceScene& scene, int left, int top, int width, int height, float* out) {
+    const Canvas light = blurredLight(scene, left, top, width, height);
+    const Illumination illumination(scene.vignetting);
+    for (int j = 0; j < height; ++j) {
+        const float* in = light.row(j);
+        float* row = out + size_t(j) * width;
+        for (int i = 0; i < width; ++i) {
+            row[i] = float(in[i] * illumination.at(left + i, top + j));
+        }
+    }
+}
+
+// Calls band(first row, rows) for every band of the window, spread over the cores.
+template <typename Band>
+void forEachBand(int height, const Band& band) {
+    const int bands = (height + kBandRows - 1) / kBandRows;
+    std::atomic<int> nextBand{0};
+    auto renderBands = [&] {
+        for (int b = nextBand++; b < bands; b = nextBand++) {
+            const int first = b * kBandRows;
+            band(first, std::min(kBandRows, height - first));
+        }
+    };
+    // Plain threads rather than a library's pool: every hand-over is one the thread sanitizer
+    // can see, and the bands are large enough that starting the threads costs nothing.
+    const int helpers = std::min<int>(bands, int(std::thread::hardware_concurrency())) - 1;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < helpers; ++i) {
+        threads.emplace_back(renderBands);
+    }
+    renderBands();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 bool isValidWindow(int left, int top, int width, int height) {
@@ -60,26 +101,19 @@ int renderRaw(const EndFaceScene& scene, int left, int top, int width, int heigh
     if (out == nullptr || !isValidWindow(left, top, width, height) || !isValidScene(scene)) {
         return -1;
     }
-    const int bands = (height + kBandRows - 1) / kBandRows;
-    std::atomic<int> nextBand{0};
-    auto renderBands = [&] {
-        for (int band = nextBand++; band < bands; band = nextBand++) {
-            const int first = band * kBandRows;
-            const int rows = std::min(kBandRows, height - first);
-            renderBand(scene, left, top + first, width, rows, out + size_t(first) * width, width);
-        }
-    };
-    // Plain threads rather than a library's pool: every hand-over is one the thread sanitizer
-    // can see, and the bands are large enough that starting the threads costs nothing.
-    const int helpers = std::min<int>(bands, int(std::thread::hardware_concurrency())) - 1;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < helpers; ++i) {
-        threads.emplace_back(renderBands);
+    forEachBand(height, [&](int first, int rows) {
+        renderBand(scene, left, top + first, width, rows, out + size_t(first) * width, width);
+    });
+    return 1;
+}
+
+int renderLight(const EndFaceScene& scene, int left, int top, int width, int height, float* out) {
+    if (out == nullptr || !isValidWindow(left, top, width, height) || !isValidScene(scene)) {
+        return -1;
     }
-    renderBands();
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    forEachBand(height, [&](int first, int rows) {
+        lightBand(scene, left, top + first, width, rows, out + size_t(first) * width);
+    });
     return 1;
 }
 

@@ -15,6 +15,12 @@ namespace sim {
 // away, or the scene is not valid (isValidScene).
 int renderRaw(const EndFaceScene& scene, int left, int top, int width, int height, uint16_t* out);
 
+// The light falling on the sensor over the same rectangle, before it is read out: the blurred
+// scene times the illumination, in 8-bit levels at nominal exposure, without the exposure
+// factor and without noise (width x height floats, stride width). The twin reads frames out of
+// it with its own exposure and noise. Returns 1, or -1 as renderRaw.
+int renderLight(const EndFaceScene& scene, int left, int top, int width, int height, float* out);
+
 // The same rectangle as 8-bit gray, as the instrument converts it (each 10-bit value >> 2).
 int renderGray(const EndFaceScene& scene, int left, int top, int width, int height, uint8_t* out);
 

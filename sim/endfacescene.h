@@ -49,6 +49,7 @@ struct Scratch {
 };
 
 struct EndFaceScene {
+    bool hasFiber = true;    // false: an empty ferrule, the ceramic face alone
     double centerX = 800.0;  // fiber center, frame pixels
     double centerY = 600.0;
     double claddingDiameterUm = 125.0;

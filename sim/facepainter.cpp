@@ -40,6 +40,7 @@ class FacePixel {
 public:
     explicit FacePixel(const EndFaceScene& scene)
         : levels_(surfaceLevels(scene)),
+          hasFiber_(scene.hasFiber),
           darkRing_(scene.edgeDarkRing),
           brightHalo_(scene.edgeBrightHalo),
           cladding_{scene.centerX, scene.centerY, micronsToPixels(scene.claddingDiameterUm) / 2},
@@ -50,6 +51,9 @@ public:
     }
 
     bool isFerruleOnly(double x, double y) const {
+        if (!hasFiber_) {
+            return true;
+        }
         const double reach = cladding_.radius + kRimReach;
         return (x - cladding_.x) * (x - cladding_.x) + (y - cladding_.y) * (y - cladding_.y) >=
                reach * reach;
@@ -72,6 +76,7 @@ private:
     }
 
     SurfaceLevels levels_;
+    bool hasFiber_;
     double darkRing_;
     double brightHalo_;
     Disc cladding_;

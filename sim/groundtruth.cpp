@@ -23,7 +23,8 @@ QJsonObject scratchTruth(const Scratch& scratch, int originX, int originY) {
 
 QJsonObject fiberTruth(const EndFaceScene& scene, int originX, int originY) {
     const SurfaceLevels levels = surfaceLevels(scene);
-    return {{"centerX", scene.centerX - originX},
+    return {{"hasFiber", scene.hasFiber},
+            {"centerX", scene.centerX - originX},
             {"centerY", scene.centerY - originY},
             {"claddingRadiusPx", micronsToPixels(scene.claddingDiameterUm) / 2},
             {"coreRadiusPx", micronsToPixels(scene.coreDiameterUm) / 2},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "illumination.h"
 #include "pixelhash.h"
 
 namespace sim {
@@ -11,24 +12,6 @@ namespace {
 
 constexpr double kLevelsPer8Bit = 4.0;
 constexpr double kMaxRaw = 1023.0;
-
-// Brightness share reaching the pixel at (x, y): one in the frame's middle, falling with the
-// square of the distance to 1 - vignetting at the corners, and on beyond the frame.
-class Illumination {
-public:
-    explicit Illumination(double vignetting)
-        : falloff_(vignetting / (kMiddleX * kMiddleX + kMiddleY * kMiddleY)) {}
-
-    double at(int x, int y) const {
-        const double dx = x - kMiddleX, dy = y - kMiddleY;
-        return std::max(0.0, 1.0 - falloff_ * (dx * dx + dy * dy));
-    }
-
-private:
-    static constexpr double kMiddleX = (kSensorWidth - 1) / 2.0;
-    static constexpr double kMiddleY = (kSensorHeight - 1) / 2.0;
-    double falloff_;
-};
 
 uint16_t quantise(double level8) {
     return uint16_t(std::clamp(std::floor(level8 * kLevelsPer8Bit + 0.5), 0.0, kMaxRaw));

@@ -81,7 +81,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     const QJsonObject r = parse(run.lines[0]);
     EXPECT_EQ(r.keys(), QStringList({"centerX", "centerY", "defectCount", "defects", "found",
                                      "image", "left", "ms", "pass", "rawX", "rawY", "scratchCount",
-                                     "scratches", "top", "x", "y", "zoneResults"}));
+                                     "scratches", "sharpness", "top", "x", "y", "zoneResults"}));
     EXPECT_TRUE(r["found"].toBool());
     EXPECT_TRUE(r["pass"].isBool());
     const QJsonArray zones = r["zoneResults"].toArray();
@@ -108,7 +108,7 @@ TEST(InspectTool, PrintsOneJsonObjectPerFrameInInputOrderWithEveryKey) {
     EXPECT_EQ(right["centerX"].toInt(), right["rawX"].toInt() - right["left"].toInt());
 
     const QJsonObject flat = parse(run.lines[2]);
-    EXPECT_EQ(flat.keys(), QStringList({"found", "image", "rawX", "rawY", "x", "y"}));
+    EXPECT_EQ(flat.keys(), QStringList({"found", "image", "rawX", "rawY", "sharpness", "x", "y"}));
     EXPECT_FALSE(flat["found"].toBool());
     EXPECT_EQ(flat["rawX"].toInt(), 800);
     EXPECT_EQ(flat["y"].toInt(), 600);

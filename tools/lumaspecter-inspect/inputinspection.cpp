@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include "atomicfile.h"
+#include "framesharpness.h"
 #include "inspectionjson.h"
 
 namespace {
@@ -58,6 +59,8 @@ QJsonObject inspect(const InspectionInput& input, const TaskInfoSetting& task,
         const FiberPlace place = inspection.searchFrame(input.frame.data());
         searchMs = elapsedMs(stage);
         insertAll(result, placeJson(place));
+        // The focus measure single-fiber live view would show for this frame.
+        result.insert("sharpness", liveViewSharpness(input.frame.data(), place.rawX, place.rawY));
         if (!place.found) {
             return result;
         }

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "fakekernel.h"
+#include "temproot.h"
+#include "twinworld.h"
+
+// What the device tests share: a platform root of their own, the twin's world and the fake
+// kernel serving it, and the counts that show whether a layer gave back what it took.
+
+using Lines = std::vector<std::string>;
+
+struct TwinTest : ::testing::Test {
+    TempRoot root;
+    sim::TwinWorld world;
+    fakekernel::FakeKernel kernel{world};
+};
+
+// Descriptors the process holds now.
+inline int openDescriptors() {
+    int count = 0;
+    DIR* dir = opendir("/proc/self/fd");
+    while (readdir(dir) != nullptr) {
+        ++count;
+    }
+    closedir(dir);
+    return count;
+}
+
+// The device buffers' mappings (the driver's and the application's), among all the process's:
+// the threads' heaps and the libraries' pools come and go on their own.
+inline int bufferMappings() {
+    std::ifstream maps("/proc/self/maps");
+    int count = 0;
+    for (std::string line; std::getline(maps, line);) {
+        count += line.find("lumaspecter-v4l2-buffer") != std::string::npos;
+    }
+    return count;
+}
+
+// What `call` prints, stdout then stderr; its result goes to `result`.
+inline std::string printedBy(const std::function<int()>& call, int& result) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    result = call();
+    const std::string out = testing::internal::GetCapturedStdout();
+    return out + testing::internal::GetCapturedStderr();
+}
+
+// The first n lines, then the others.
+inline Lines prefixThen(const Lines& lines, size_t n, const Lines& more) {
+    Lines result(lines.begin(), lines.begin() + std::min(n, lines.size()));
+    result.insert(result.end(), more.begin(), more.end());
+    return result;
+}

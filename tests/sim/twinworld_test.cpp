@@ -1,0 +1,85 @@
+// The twin's world: frames whose gray levels follow the exposure, whose noise is a sensor's,
+// and whose blur grows with the lens's distance from focus.
+
+#include "twinworld.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <opencv2/core.hpp>
+
+#include "lensoptics.h"
+
+namespace {
+
+using Frame = cv::Mat;  // 16-bit, kSensorHeight x kSensorWidth
+
+Frame readFrame(sim::TwinWorld& world) {
+    Frame frame(kSensorHeight, kSensorWidth, CV_16UC1);
+    world.readFrame(frame.ptr<uint16_t>());
+    return frame;
+}
+
+// A 64 x 64 patch of the ferrule, left of the fiber.
+const cv::Rect kPatch(400, 570, 64, 64);
+
+double patchMean(const Frame& frame) {
+    return cv::mean(frame(kPatch))[0];
+}
+
+// Spread of the difference of two frames over the patch, as one frame's noise.
+double temporalNoise(const Frame& a, const Frame& b) {
+    cv::Mat difference;
+    cv::subtract(a(kPatch), b(kPatch), difference, cv::noArray(), CV_32F);
+    cv::Scalar mean, spread;
+    cv::meanStdDev(difference, mean, spread);
+    return spread[0] / std::sqrt(2.0);
+}
+
+// Mean absolute difference between pixels two apart across the cladding's edge: falls as the
+// edge blurs.
+double edgeDetail(const Frame& frame) {
+    cv::Mat difference;
+    cv::absdiff(frame(cv::Rect(642, 540, 80, 120)), frame(cv::Rect(640, 540, 80, 120)), difference);
+    return cv::mean(difference)[0];
+}
+
+TEST(TwinWorld, GrayLevelsFollowTheExposureUpToTheTopSample) {
+    sim::TwinWorld world;
+    const double nominal = patchMean(readFrame(world));
+    EXPECT_NEAR(nominal / 4, 190.0, 15.0);  // the ferrule's 8-bit level
+    for (unsigned exposure : {10u, 15u, 25u}) {
+        world.setExposure(exposure);
+        EXPECT_NEAR(patchMean(readFrame(world)) / nominal, exposure / 20.0, 0.02) << exposure;
+    }
+    world.setExposure(80);
+    EXPECT_EQ(patchMean(readFrame(world)), 1023.0);
+    world.setCovered(true);
+    EXPECT_LT(patchMean(readFrame(world)) / 4, 41.0);  // what the instrument takes for no fiber
+}
+
+// Shot noise grows with the square root of the signal; read noise remains in the dark.
+TEST(TwinWorld, EachFrameHasItsOwnSensorNoise) {
+    sim::TwinWorld world;
+    const Frame a = readFrame(world), b = readFrame(world);
+    const double signal = patchMean(a);
+    EXPECT_NEAR(temporalNoise(a, b), std::sqrt(0.02 * signal + 4.0), 0.4);
+    world.setCovered(true);
+    EXPECT_NEAR(temporalNoise(readFrame(world), readFrame(world)), 2.0, 0.3);
+}
+
+TEST(TwinWorld, BlurGrowsWithTheLensDistanceFromFocus) {
+    sim::TwinWorld world;
+    double sharper = 1e9;
+    for (int distance : {0, 256, 1024, 4096}) {
+        world.setLensPosition(sim::lens::kDefaultFocus + distance);
+        const double after = edgeDetail(readFrame(world));
+        world.setLensPosition(sim::lens::kDefaultFocus - distance);
+        const double before = edgeDetail(readFrame(world));
+        EXPECT_LT(after, sharper) << distance;
+        EXPECT_NEAR(before, after, 0.05 * after) << distance;  // the same either side
+        sharper = after;
+    }
+}
+
+}  // namespace
