@@ -181,16 +181,18 @@ TEST_F(CaptureThreadTest, Mode2DuringThePreviewWaitsForAModeFromOutside) {
 TEST_F(CaptureThreadTest, Mode4HandsOverTheWholeFrameThenPreviewsInItsOwnBuffer) {
     ASSERT_EQ(thread.startCapture(CAPTURE_FULL_FRAME), 0);
     ASSERT_TRUE(recorder.waitForMore("updateFullFrameByScaled", 1));
-    const CaptureRecorder::Emitted* frame = recorder.last("captureFinished");
-    ASSERT_NE(frame, nullptr);
-    EXPECT_EQ(Numbers(frame->numbers.begin(), frame->numbers.begin() + 2), (Numbers{1600, 1200}));
-    EXPECT_NEAR(frame->numbers[2], 800, 1.5);
-    EXPECT_NEAR(frame->numbers[3], 600, 1.5);
-    const std::vector<unsigned char> handedOver(frame->buffer, frame->buffer + kSensorPixels);
+    const CaptureRecorder::Emitted* found = recorder.last("captureFinished");
+    ASSERT_NE(found, nullptr);
+    // A copy: the recorder's list grows (and moves) with every later signal.
+    const CaptureRecorder::Emitted frame = *found;
+    EXPECT_EQ(Numbers(frame.numbers.begin(), frame.numbers.begin() + 2), (Numbers{1600, 1200}));
+    EXPECT_NEAR(frame.numbers[2], 800, 1.5);
+    EXPECT_NEAR(frame.numbers[3], 600, 1.5);
+    const std::vector<unsigned char> handedOver(frame.buffer, frame.buffer + kSensorPixels);
     ASSERT_TRUE(recorder.waitForMore("updateFullFrameByScaled", 3));
     EXPECT_EQ(recorder.last("updateFullFrameByScaled")->numbers, (Numbers{800, 600}));
-    EXPECT_NE(recorder.last("updateFullFrameByScaled")->buffer, frame->buffer);
-    EXPECT_TRUE(std::equal(handedOver.begin(), handedOver.end(), frame->buffer));
+    EXPECT_NE(recorder.last("updateFullFrameByScaled")->buffer, frame.buffer);
+    EXPECT_TRUE(std::equal(handedOver.begin(), handedOver.end(), frame.buffer));
     EXPECT_EQ(thread.getThreadWorkMode(), CAPTURE_FULL_FRAME_PREVIEW);
 }
 
