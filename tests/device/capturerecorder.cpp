@@ -54,13 +54,13 @@ int CaptureRecorder::count(const std::string& name) const {
     return n;
 }
 
-const CaptureRecorder::Emitted* CaptureRecorder::last(const std::string& name) const {
+CaptureRecorder::Emitted CaptureRecorder::last(const std::string& name) const {
     for (auto e = emitted_.rbegin(); e != emitted_.rend(); ++e) {
         if (e->name == name) {
-            return &*e;
+            return *e;
         }
     }
-    return nullptr;
+    return {};
 }
 
 std::vector<long> CaptureRecorder::firstNumbers(const std::string& name) const {

@@ -91,9 +91,9 @@ TEST_F(CaptureThreadTest, Mode8ShowsTheFiberAt480AndMeasuresOneFrameInTen) {
     ASSERT_EQ(thread.startCapture(CAPTURE_SINGLE_FIBER_LIVE), 0);
     ASSERT_TRUE(recorder.waitForMore("updateVideoFrameByMat", 26));
     thread.stopCapture();
-    const CaptureRecorder::Emitted* video = recorder.last("updateVideoFrameByMat");
-    EXPECT_EQ(video->numbers, (Numbers{480, 480}));
-    EXPECT_LT(meanOf(video->picture, 240, 240, 40), meanOf(video->picture, 40, 40, 40) - 50);
+    const CaptureRecorder::Emitted video = recorder.last("updateVideoFrameByMat");
+    EXPECT_EQ(video.numbers, (Numbers{480, 480}));
+    EXPECT_LT(meanOf(video.picture, 240, 240, 40), meanOf(video.picture, 40, 40, 40) - 50);
     const std::vector<long> sharpness = sharpnessValues();
     ASSERT_GE(sharpness.size(), 2u);
     EXPECT_LE(sharpness.size(), 3u);
@@ -111,8 +111,8 @@ TEST_F(CaptureThreadTest, Mode9TurnsTheRowAQuarterClockwise) {
     ASSERT_EQ(thread.startCapture(CAPTURE_MULTI_FIBER_LIVE), 0);
     ASSERT_TRUE(recorder.waitForMore("updateVideoFrameByMat", 2));
     thread.stopCapture();
-    const cv::Mat& picture = recorder.last("updateVideoFrameByMat")->picture;
-    EXPECT_EQ(recorder.last("updateVideoFrameByMat")->numbers, (Numbers{480, 628}));
+    const cv::Mat picture = recorder.last("updateVideoFrameByMat").picture;
+    EXPECT_EQ(recorder.last("updateVideoFrameByMat").numbers, (Numbers{480, 628}));
     const int fiberRow = (400 - 30) * 628 / 1570;  // the fiber's x along the turned rows
     cv::Mat dark;
     cv::threshold(picture, dark, 140, 255, cv::THRESH_BINARY_INV);
@@ -127,7 +127,7 @@ TEST_F(CaptureThreadTest, Mode0DrivesTheVideoOutputAndReportsTheMeanGray) {
     ASSERT_EQ(thread.startCapture(CAPTURE_LIVE_VIDEO_OUTPUT), 0);
     ASSERT_TRUE(recorder.waitForMore("udpateExposureGray", 3));
     thread.stopCapture();
-    const Numbers& gray = recorder.last("udpateExposureGray")->numbers;
+    const Numbers gray = recorder.last("udpateExposureGray").numbers;
     EXPECT_EQ(gray[0], 25);
     EXPECT_NEAR(gray[1], 25.0 / 20 * 170, 25);
     EXPECT_EQ(long(thread.getImageAvgGray()), gray[1]);
@@ -181,16 +181,16 @@ TEST_F(CaptureThreadTest, Mode2DuringThePreviewWaitsForAModeFromOutside) {
 TEST_F(CaptureThreadTest, Mode4HandsOverTheWholeFrameThenPreviewsInItsOwnBuffer) {
     ASSERT_EQ(thread.startCapture(CAPTURE_FULL_FRAME), 0);
     ASSERT_TRUE(recorder.waitForMore("updateFullFrameByScaled", 1));
-    const CaptureRecorder::Emitted* frame = recorder.last("captureFinished");
-    ASSERT_NE(frame, nullptr);
-    EXPECT_EQ(Numbers(frame->numbers.begin(), frame->numbers.begin() + 2), (Numbers{1600, 1200}));
-    EXPECT_NEAR(frame->numbers[2], 800, 1.5);
-    EXPECT_NEAR(frame->numbers[3], 600, 1.5);
-    const std::vector<unsigned char> handedOver(frame->buffer, frame->buffer + kSensorPixels);
+    const CaptureRecorder::Emitted frame = recorder.last("captureFinished");
+    ASSERT_EQ(frame.numbers.size(), 4u);
+    EXPECT_EQ(Numbers(frame.numbers.begin(), frame.numbers.begin() + 2), (Numbers{1600, 1200}));
+    EXPECT_NEAR(frame.numbers[2], 800, 1.5);
+    EXPECT_NEAR(frame.numbers[3], 600, 1.5);
+    const std::vector<unsigned char> handedOver(frame.buffer, frame.buffer + kSensorPixels);
     ASSERT_TRUE(recorder.waitForMore("updateFullFrameByScaled", 3));
-    EXPECT_EQ(recorder.last("updateFullFrameByScaled")->numbers, (Numbers{800, 600}));
-    EXPECT_NE(recorder.last("updateFullFrameByScaled")->buffer, frame->buffer);
-    EXPECT_TRUE(std::equal(handedOver.begin(), handedOver.end(), frame->buffer));
+    EXPECT_EQ(recorder.last("updateFullFrameByScaled").numbers, (Numbers{800, 600}));
+    EXPECT_NE(recorder.last("updateFullFrameByScaled").buffer, frame.buffer);
+    EXPECT_TRUE(std::equal(handedOver.begin(), handedOver.end(), frame.buffer));
     EXPECT_EQ(thread.getThreadWorkMode(), CAPTURE_FULL_FRAME_PREVIEW);
 }
 
