@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
+#include <algorithm>
 
 // Each signal is recorded with its name, its numbers, and its buffer or picture.
 CaptureRecorder::CaptureRecorder(CaptureThread& t) {
@@ -47,11 +48,8 @@ std::vector<std::string> CaptureRecorder::names() const {
 }
 
 int CaptureRecorder::count(const std::string& name) const {
-    int n = 0;
-    for (const Emitted& e : emitted_) {
-        n += e.name == name;
-    }
-    return n;
+    return int(std::count_if(emitted_.begin(), emitted_.end(),
+                             [&](const Emitted& e) { return e.name == name; }));
 }
 
 CaptureRecorder::Emitted CaptureRecorder::last(const std::string& name) const {
