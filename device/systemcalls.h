@@ -8,7 +8,8 @@
 // The system calls through which every device layer reaches its devices. On the instrument the
 // table calls the C library; on a development host an in-process fake kernel installs its own
 // table and serves the fixed device paths under the platform root, with the same return values
-// and errno as the kernel. Nothing else in the device layers calls the system directly.
+// and errno as the kernel. The device layers reach their devices through nothing else (plain
+// files, such as a raw frame dump, are written with the C library as anywhere).
 struct SystemCalls {
     int (*open)(const char* path, int flags);
     int (*close)(int fd);

@@ -105,21 +105,31 @@ int V4l2Device::requestBuffers(v4l2_requestbuffers& request) {
     const size_t length = bufferBytes();
     for (unsigned i = 0; i < granted; ++i) {
         Buffer b;
-        b.length = length;
-        b.memfd = memfd_create("lumaspecter-v4l2-buffer", MFD_CLOEXEC);
-        if (b.memfd < 0 || ftruncate(b.memfd, off_t(length)) != 0) {
+        if (!allocate(b, length)) {
             return refuse(ENOMEM);
         }
-        void* memory = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, b.memfd, 0);
-        if (memory == MAP_FAILED) {
-            ::close(b.memfd);
-            return refuse(ENOMEM);
-        }
-        b.memory = static_cast<uint8_t*>(memory);
         buffers_.push_back(b);
     }
     request.count = granted;
     return 0;
+}
+
+// A buffer is shared memory of its own, mapped once for the driver.
+bool V4l2Device::allocate(Buffer& b, size_t length) {
+    b.length = length;
+    b.memfd = memfd_create("lumaspecter-v4l2-buffer", MFD_CLOEXEC);
+    if (b.memfd < 0) {
+        return false;
+    }
+    void* memory = ftruncate(b.memfd, off_t(length)) == 0
+                       ? ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, b.memfd, 0)
+                       : MAP_FAILED;
+    if (memory == MAP_FAILED) {
+        ::close(b.memfd);
+        return false;
+    }
+    b.memory = static_cast<uint8_t*>(memory);
+    return true;
 }
 
 int V4l2Device::queryBuffer(v4l2_buffer& request) {

@@ -86,6 +86,7 @@ protected:
 
 private:
     int requestBuffers(v4l2_requestbuffers& request);
+    static bool allocate(Buffer& b, size_t length);
     int queryBuffer(v4l2_buffer& request);
     int queueBuffer(v4l2_buffer& request);
     int dequeueBuffer(int file, v4l2_buffer& request);

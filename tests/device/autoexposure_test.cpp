@@ -51,7 +51,7 @@ struct AutoExposureTest : TwinTest {
         }
         return n;
     }
-    int gray() const { return int(recorder.last("udpateExposureGray")->numbers[1]); }
+    int gray() const { return int(recorder.last("udpateExposureGray").numbers[1]); }
 };
 
 // From either side the exposure crosses the target and the adjustment ends by itself, the mean

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 #include <linux/videodev2.h>
 
-#include <QDir>
-#include <QFileInfo>
 #include <QThread>
 #include <cerrno>
 
@@ -14,9 +12,6 @@
 #include "platformroot.h"
 
 namespace {
-
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
 
 constexpr uint32_t kBA10 = V4L2_PIX_FMT_SGRBG10;
 
@@ -175,17 +170,6 @@ TEST_F(CaptureDeviceTest, ASecondOpenIsRefused) {
     EXPECT_EQ(initPrinting(result), "Capture: /dev/video0 is already open\n");
     EXPECT_EQ(result, -1);
     EXPECT_EQ(camera.requests(), kOpenSequence);
-}
-
-TEST_F(CaptureDeviceTest, ARawDumpIsOneWholeFrame) {
-    const std::vector<uint8_t> mask(kSensorPixels, 255);
-    const QString path = platformPath("/etc/ccd_mask.dat");
-    CaptureStdout();
-    EXPECT_EQ(save_capture_frame(path.toUtf8().constData(), mask.data(), 1), -1);  // no /etc
-    EXPECT_EQ(GetCapturedStdout(), "Open file " + path.toStdString() + " failed!! \n");
-    QDir().mkpath(platformPath("/etc"));
-    EXPECT_EQ(save_capture_frame(path.toUtf8().constData(), mask.data(), 1), 0);
-    EXPECT_EQ(QFileInfo(path).size(), kSensorPixels);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The capture thread's start and stop against the twin: the exposure it applies, a camera that
-// fails or stalls, and many runs one after another giving back every descriptor and mapping.
+// The capture thread's start and stop against the twin: a camera that fails or stalls, and many
+// runs one after another giving back every descriptor and mapping.
 
 #include <gtest/gtest.h>
 
@@ -28,23 +28,6 @@ struct CaptureLifecycleTest : TwinTest {
         return std::count(requests.begin(), requests.end(), name);
     }
 };
-
-TEST_F(CaptureLifecycleTest, TheStoredExposureIsAppliedAtStartAndChangesWhileRunning) {
-    EXPECT_EQ(thread.setExposure(33), -1);  // stored only
-    EXPECT_EQ(thread.stopCapture(), -1);
-    ASSERT_EQ(thread.startCapture(CAPTURE_SINGLE_FIBER_LIVE), 0);
-    EXPECT_EQ(thread.startCapture(CAPTURE_SINGLE_FIBER_LIVE), -1);
-    ASSERT_TRUE(recorder.waitForMore("updateVideoFrameByMat", 1));
-    EXPECT_EQ(thread.setExposure(40), 0);
-    EXPECT_EQ(world.exposure(), 40u);
-    EXPECT_EQ(thread.stopCapture(), 0);
-    const Lines requests = kernel.capture().requests();
-    const auto streamOn = std::find(requests.begin(), requests.end(), "VIDIOC_STREAMON capture");
-    ASSERT_NE(streamOn, requests.end());
-    EXPECT_EQ(*(streamOn + 1), "VIDIOC_S_CTRL exposure 33");
-    ASSERT_TRUE(recorder.waitForMore("captureThreadExit", 1));
-    EXPECT_EQ(recorder.names().back(), "captureThreadExit");
-}
 
 // A camera whose dequeue fails is not spun on: the thread backs off, does no work on the
 // missing frames, and goes on when the camera recovers.

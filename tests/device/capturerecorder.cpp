@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
+#include <algorithm>
 
 // Each signal is recorded with its name, its numbers, and its buffer or picture.
 CaptureRecorder::CaptureRecorder(CaptureThread& t) {
@@ -47,20 +48,17 @@ std::vector<std::string> CaptureRecorder::names() const {
 }
 
 int CaptureRecorder::count(const std::string& name) const {
-    int n = 0;
-    for (const Emitted& e : emitted_) {
-        n += e.name == name;
-    }
-    return n;
+    return int(std::count_if(emitted_.begin(), emitted_.end(),
+                             [&](const Emitted& e) { return e.name == name; }));
 }
 
-const CaptureRecorder::Emitted* CaptureRecorder::last(const std::string& name) const {
+CaptureRecorder::Emitted CaptureRecorder::last(const std::string& name) const {
     for (auto e = emitted_.rbegin(); e != emitted_.rend(); ++e) {
         if (e->name == name) {
-            return &*e;
+            return *e;
         }
     }
-    return nullptr;
+    return {};
 }
 
 std::vector<long> CaptureRecorder::firstNumbers(const std::string& name) const {

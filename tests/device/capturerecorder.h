@@ -25,7 +25,9 @@ public:
     const std::vector<Emitted>& emitted() const { return emitted_; }
     std::vector<std::string> names() const;
     int count(const std::string& name) const;
-    const Emitted* last(const std::string& name) const;
+    // A copy of the last signal named `name` (an empty record when none came): later signals
+    // may move the records.
+    Emitted last(const std::string& name) const;
     // The first number of every signal named `name`.
     std::vector<long> firstNumbers(const std::string& name) const;
     void clear() { emitted_.clear(); }

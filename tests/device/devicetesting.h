@@ -1,9 +1,9 @@
 #pragma once
 
-#include <dirent.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -26,13 +26,8 @@ struct TwinTest : ::testing::Test {
 
 // Descriptors the process holds now.
 inline int openDescriptors() {
-    int count = 0;
-    DIR* dir = opendir("/proc/self/fd");
-    while (readdir(dir) != nullptr) {
-        ++count;
-    }
-    closedir(dir);
-    return count;
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return int(std::distance(begin(descriptors), end(descriptors)));
 }
 
 // The device buffers' mappings (the driver's and the application's), among all the process's:

@@ -7,7 +7,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <vector>
 
 #include "endfacerenderer.h"
 #include "realsamples.h"
@@ -32,10 +31,10 @@ QList<QJsonObject> inspectJson(const QStringList& frames) {
 QString rawFrame(const TempRoot& root, const QString& name, double blur) {
     sim::EndFaceScene scene;
     scene.blurSigmaPx = blur;
-    std::vector<uint16_t> frame(size_t(kSensorWidth) * kSensorHeight);
-    sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight, frame.data());
-    writeFile(root.file(name),
-              QByteArray(reinterpret_cast<const char*>(frame.data()), int(frame.size() * 2)));
+    QByteArray frame(kSensorPixels * 2, 0);
+    sim::renderRaw(scene, 0, 0, kSensorWidth, kSensorHeight,
+                   reinterpret_cast<uint16_t*>(frame.data()));
+    writeFile(root.file(name), frame);
     return root.file(name);
 }
 
