@@ -1,8 +1,9 @@
 // lsd_agreement: our line segment detector against OpenCV's implementation of the same
 // published method, as an independent yardstick. It prints how well the two agree on rendered
 // 960 x 960 measurement regions with scratches, spots and the end face's texture; there is no
-// pass or fail, the figures are to be read (and compared before and after a change). Both run with the instrument's settings (scale 0.6, sigma_scale 0.8,
-// quant 1, 22.5 degrees, log_eps 0, density 0.7, 1024 bins) and ours with exact square roots.
+// pass or fail, the figures are to be read (and compared before and after a change). Both run with
+// the instrument's settings (scale 0.6, sigma_scale 0.8, quant 1, 22.5 degrees, log_eps 0, density
+// 0.7, 1024 bins) and ours with exact square roots.
 //
 // OpenCV 4.6 departs from the method in three places, and each moves its segments:
 //  - it sub-samples differently: an 8-bit gaussian blur, then bilinear resampling on a grid
@@ -231,7 +232,6 @@ bool onAScratch(const Segment& s, const sim::EndFaceScene& scene) {
     return false;
 }
 
-
 // A 300 px scratch 3 um wide at 12 angles: both of its edges are clear lines. OpenCV's NFA
 // swings with the angle, and its rectangle improvement, which that sets off, may move an edge
 // sideways by up to 5 x 0.5 / 2 sub-sampled pixels (2.1 px), hence the wider tolerance.
@@ -271,8 +271,7 @@ void compareLoneScratches() {
         "[ lone scratches ] edges found of 24: ours %d (%d off the scratch), OpenCV %d, of "
         "which on ours %d\n"
         "    -log10(NFA) of a 300 px edge: ours %.0f to %.0f, OpenCV %.0f to %.0f\n",
-        oursEdges, oursOffScratch, opencvEdges, opencvOnOurs, *oursLow, *oursHigh, *cvLow,
-        *cvHigh);
+        oursEdges, oursOffScratch, opencvEdges, opencvOnOurs, *oursLow, *oursHigh, *cvLow, *cvHigh);
 }
 
 }  // namespace
@@ -286,9 +285,8 @@ int main() {
     const cv::Mat gray = renderRegion(scratched);
     compareBothWays(gray, "scratches only");
     const std::vector<Segment> found = longOnes(ours(gray));
-    const long offScratch = std::count_if(found.begin(), found.end(), [&](const Segment& s) {
-        return !onAScratch(s, scratched);
-    });
+    const long offScratch = std::count_if(
+        found.begin(), found.end(), [&](const Segment& s) { return !onAScratch(s, scratched); });
     std::printf("    of our %zu segments of 10 px or more, %ld lie off the scratches\n",
                 found.size(), offScratch);
     compareLoneScratches();
