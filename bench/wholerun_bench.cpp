@@ -11,7 +11,7 @@
 
 #include "endfacerenderer.h"
 #include "factorytasks.h"
-#include "singlefiberinspection.h"
+#include "singlefibersequence.h"
 
 namespace {
 

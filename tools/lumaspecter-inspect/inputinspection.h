@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "singlefiberinspection.h"
+#include "singlefibersequence.h"
 
 // One input of the tool: a whole frame to search, or a measurement region whose fiber center
 // is given.

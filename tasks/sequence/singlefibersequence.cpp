@@ -1,4 +1,4 @@
-#include "singlefiberinspection.h"
+#include "singlefibersequence.h"
 
 #include "instrumentoptics.h"
 #include "libcapture.h"
