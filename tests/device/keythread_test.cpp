@@ -1,245 +1,176 @@
-// The key thread read through the simulated key device, a FIFO under the platform root: which
-// records become key events, records that arrive in parts, the trigger key's debounce and
-// device states, and a device that fails or is not there.
+// The key thread read through the simulated key device, a FIFO under the platform root, with
+// the keys tool and bare records as writers; and the key and light threads' ends.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
-#include <algorithm>
-#include <atomic>
-#include <condition_variable>
-#include <cstring>
-#include <functional>
+#include <QProcess>
+#include <ctime>
 #include <mutex>
-#include <thread>
+#include <optional>
 
+#include "deviceinfothread.h"
 #include "evdetectthread.h"
 #include "keyeventfifo.h"
-#include "systemcalls.h"
 #include "temproot.h"
 
 namespace {
 
-using Event = std::pair<int, int>;  // code, value
-using Events = std::vector<Event>;
+using Events = std::vector<std::pair<int, int>>;  // code, value
 using fakekernel::keyRecords;
 
-// Written behind the records of a case: once its event is in, the thread has handled them all.
-constexpr unsigned short kMarkerKey = KEY_UNKNOWN;
+// Written behind a case's records: once its event is in, the thread has handled them all.
+constexpr unsigned short kMarker = KEY_UNKNOWN;
 
-input_event record(unsigned short type, unsigned short code, int value) {
-    input_event event{};
-    event.type = type;
-    event.code = code;
-    event.value = value;
-    return event;
+int keysTool(const TempRoot& root, const QStringList& words) {
+    return QProcess::execute(KEYS_TOOL, QStringList{"--root", root.path()} + words);
 }
-
-// The thread's events, taken in its own thread.
-class Recorded {
-public:
-    void add(unsigned short code, unsigned short value) {
-        std::lock_guard<std::mutex> lock(mutex_);
-        events_.emplace_back(code, value);
-        arrived_.notify_all();
-    }
-
-    // The events before the marker (which is dropped), waiting for it at most ten seconds.
-    Events untilMarker() {
-        std::unique_lock<std::mutex> lock(mutex_);
-        const auto isMarker = [](const Event& e) { return e.first == kMarkerKey; };
-        arrived_.wait_for(lock, std::chrono::seconds(10), [&] {
-            return std::find_if(events_.begin(), events_.end(), isMarker) != events_.end();
-        });
-        const auto marker = std::find_if(events_.begin(), events_.end(), isMarker);
-        EXPECT_NE(marker, events_.end()) << "the marker key never came";
-        Events before(events_.begin(), marker);
-        events_.erase(events_.begin(), marker == events_.end() ? marker : marker + 1);
-        return before;
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable arrived_;
-    Events events_;
-};
 
 struct KeyThreadTest : ::testing::Test {
     TempRoot root;
-    fakekernel::KeyEventFifo fifo;
-    std::atomic<int> deviceState{6};
+    std::optional<fakekernel::KeyEventFifo> fifo{std::in_place};
+    std::atomic<int> state{6};
     std::atomic<int64_t> nowMs{0};
-    Recorded recorded;
-    EvDetectThread thread{deviceState, [this] { return nowMs.load(); }};
+    std::mutex mutex;
+    Events events;
+    EvDetectThread thread{state, [this] { return nowMs.load(); }};
 
     void SetUp() override {
-        ASSERT_TRUE(fifo.isOpen());
-        ASSERT_TRUE(thread.isDeviceOpen());
-        QObject::connect(
-            &thread, &EvDetectThread::keyPressedEvent,
-            [this](unsigned short code, unsigned short value) { recorded.add(code, value); });
+        QObject::connect(&thread, &EvDetectThread::keyPressedEvent,
+                         [this](unsigned short code, unsigned short value) {
+                             std::lock_guard<std::mutex> lock(mutex);
+                             events.emplace_back(code, value);
+                         });
         thread.start();
     }
 
-    // The events for the records (written in one go), in order.
+    // The events up to the marker, waiting for it at most ten seconds.
+    Events eventsUntilMarker() {
+        for (int waited = 0; waited < 10000; waited += 5) {
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                if (!events.empty() && events.back().first == kMarker) {
+                    const Events seen(events.begin(), events.end() - 1);
+                    events.clear();
+                    return seen;
+                }
+            }
+            QThread::msleep(5);
+        }
+        return {{-1, -1}};
+    }
+
+    Events eventsFor(const void* bytes, size_t size) {
+        EXPECT_TRUE(fifo->write(bytes, size) && fifo->write(keyRecords(kMarker, 1)));
+        return eventsUntilMarker();
+    }
     Events eventsFor(const std::vector<input_event>& records) {
-        EXPECT_TRUE(fifo.write(records));
-        EXPECT_TRUE(fifo.write(keyRecords(kMarkerKey, 1)));
-        return recorded.untilMarker();
+        return eventsFor(records.data(), records.size() * sizeof(input_event));
     }
 };
 
 TEST_F(KeyThreadTest, RecordsBecomeKeyEventsAsTheyAreButSynchronisationAndScanCodes) {
-    struct Row {
-        input_event in;
-        bool emitted;
+    const std::vector<input_event> records = {
+        {{}, EV_SYN, SYN_REPORT, 0}, {{}, EV_MSC, MSC_SCAN, 0x90001},
+        {{}, EV_MSC, MSC_RAW, 7},    {{}, EV_MSC, MSC_SERIAL, 5},
+        {{}, EV_KEY, KEY_A, 1},      {{}, EV_KEY, KEY_A, 2},
+        {{}, EV_KEY, KEY_A, 0},      {{}, EV_KEY, 278, 1},
+        {{}, EV_KEY, 278, 2},  // a held focus key repeats: not a release
+        {{}, EV_KEY, 278, 0},        {{}, EV_REL, REL_X, 5},
     };
-    const Row rows[] = {
-        {record(EV_SYN, SYN_REPORT, 0), false}, {record(EV_MSC, MSC_SCAN, 0x90001), false},
-        {record(EV_MSC, MSC_RAW, 7), false},    {record(EV_MSC, MSC_SERIAL, 5), true},
-        {record(EV_KEY, KEY_A, 1), true},       {record(EV_KEY, KEY_A, 2), true},
-        {record(EV_KEY, KEY_A, 0), true},       {record(EV_KEY, 278, 1), true},
-        {record(EV_KEY, 278, 2), true},  // a held focus key repeats, it is not released
-        {record(EV_KEY, 277, 2), true},         {record(EV_KEY, 278, 0), true},
-        {record(EV_REL, REL_X, 5), true},
-    };
-    std::vector<input_event> records;
-    Events expected;
-    for (const Row& row : rows) {
-        records.push_back(row.in);
-        if (row.emitted) {
-            expected.emplace_back(row.in.code, row.in.value);
-        }
-    }
+    const Events expected = {{MSC_SERIAL, 5}, {KEY_A, 1}, {KEY_A, 2}, {KEY_A, 0},
+                             {278, 1},        {278, 2},   {278, 0},   {REL_X, 5}};
     EXPECT_EQ(eventsFor(records), expected);
 }
 
 TEST_F(KeyThreadTest, RecordsWrittenInPartsAreReadWhole) {
-    std::vector<input_event> records = keyRecords(KEY_A, 1);
-    const std::vector<input_event> more = keyRecords(278, 2);
-    records.insert(records.end(), more.begin(), more.end());
+    const std::vector<input_event> records = {{{}, EV_KEY, KEY_A, 1}, {{}, EV_KEY, 278, 2}};
     const auto* bytes = reinterpret_cast<const char*>(records.data());
-    const size_t size = records.size() * sizeof(input_event), record = sizeof(input_event);
-    const std::vector<std::vector<size_t>> cuts = {
-        {10}, {1, record - 1}, {record + 5, 2 * record + 20, size - 1}};
-    for (const auto& at : cuts) {
-        size_t done = 0;
-        for (const size_t cut : at) {
-            ASSERT_TRUE(fifo.write(bytes + done, cut - done));
-            done = cut;
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));  // read what is there
-        }
-        ASSERT_TRUE(fifo.write(bytes + done, size - done));
-        EXPECT_EQ(eventsFor({}), (Events{{KEY_A, 1}, {278, 2}})) << "first cut " << at[0];
+    const size_t size = sizeof(input_event);
+    for (const size_t cut : {size_t(1), size - 1, size + 5, 2 * size - 1}) {
+        ASSERT_TRUE(fifo->write(bytes, cut));
+        QThread::msleep(20);  // the thread reads the first part alone
+        EXPECT_EQ(eventsFor(bytes + cut, 2 * size - cut), (Events{{KEY_A, 1}, {278, 2}})) << cut;
     }
 }
 
 TEST_F(KeyThreadTest, TriggerOnlyPressedOutsideTheDebounceAndInStatesThatTakeIt) {
-    struct Row {
-        int64_t atMs;
-        int state;
-        int value;
-        bool emitted;
+    // {ms, device state, value, emitted}; the thread was made at 0 ms, its first "press".
+    const int rows[][4] = {
+        {400, 6, 1, 0},  {600, 6, 1, 1},  {1000, 6, 1, 0}, {1200, 6, 1, 1}, {1700, 6, 1, 0},
+        {1900, 6, 0, 0}, {2500, 1, 1, 0}, {2500, 2, 1, 0}, {2500, 7, 1, 0}, {2500, 3, 1, 1},
+        {3100, 8, 1, 1}, {3700, 9, 1, 1}, {4300, 6, 2, 0},
     };
-    // The thread was made at 0 ms: that counts as the last accepted press.
-    const Row rows[] = {
-        {400, 6, 1, false},  {600, 6, 1, true},   {1000, 6, 1, false}, {1200, 6, 1, true},
-        {1900, 6, 0, false}, {2500, 1, 1, false}, {2500, 2, 1, false}, {2500, 7, 1, false},
-        {2500, 3, 1, true},  {3100, 8, 1, true},  {3700, 9, 1, true},  {4300, 6, 2, false},
-    };
-    for (const Row& row : rows) {
-        nowMs = row.atMs;
-        deviceState = row.state;
-        const Events expected = row.emitted ? Events{{279, 1}} : Events{};
-        EXPECT_EQ(eventsFor(keyRecords(279, row.value)), expected)
-            << row.atMs << " ms, state " << row.state << ", value " << row.value;
+    for (const auto& row : rows) {
+        nowMs = row[0];
+        state = row[1];
+        const Events expected = row[3] ? Events{{279, 1}} : Events{};
+        EXPECT_EQ(eventsFor(keyRecords(279, row[2])), expected)
+            << row[0] << " ms, state " << row[1] << ", value " << row[2];
     }
 }
 
-TEST_F(KeyThreadTest, GarbageRecordsDoNotStopTheKeys) {
-    std::vector<input_event> garbage(40);
-    std::srand(7);
-    for (input_event& event : garbage) {
-        for (size_t i = 0; i < sizeof event; ++i) {
-            reinterpret_cast<unsigned char*>(&event)[i] = static_cast<unsigned char>(std::rand());
-        }
-        event.code = event.code == kMarkerKey ? 0 : event.code;
+TEST_F(KeyThreadTest, KeysToolWritesWholeKeysAndRefusesBadWords) {
+    nowMs = 1000;
+    const std::pair<QStringList, int> runs[] = {
+        {{"click", "trigger"}, 0},   {{"press", "focus-in"}, 0},
+        {{"click", "focus-out"}, 0}, {{"release", "30"}, 0},
+        {{"push", "trigger"}, 2},    {{"press", "0"}, 2},
+        {{"press", "70000"}, 2},     {{"press"}, 2},
+    };
+    for (const auto& run : runs) {
+        EXPECT_EQ(keysTool(root, run.first), run.second) << qPrintable(run.first.join(' '));
     }
-    eventsFor(garbage);
-    EXPECT_EQ(eventsFor(keyRecords(KEY_B, 1)), (Events{{KEY_B, 1}}));
+    EXPECT_EQ(eventsFor({}), (Events{{279, 1}, {278, 1}, {277, 1}, {277, 0}, {30, 0}}));
 }
 
-// Counts the key thread's reads; every other call goes to the C library.
-std::atomic<int> reads{0};
-const SystemCalls kCountingCalls = {linuxSystemCalls().open,
-                                    linuxSystemCalls().close,
-                                    linuxSystemCalls().ioctl,
-                                    linuxSystemCalls().mmap,
-                                    linuxSystemCalls().munmap,
-                                    [](int fd, void* buffer, size_t count) {
-                                        ++reads;
-                                        return ::read(fd, buffer, count);
-                                    },
-                                    linuxSystemCalls().write,
-                                    linuxSystemCalls().poll};
-
-// Without the simulation holding it, the FIFO ends when its writer goes: the thread waits
-// between reads of the end instead of spinning, forgets the half record the writer left, and
+// Garbage first, then the simulation gone: the last writer's close ends the FIFO, the thread
+// backs off between reads of the end instead of spinning, forgets the half record left and
 // reads the next writer's records from their start.
-TEST(KeyThread, WriterThatClosesLeavesNoSpinAndNoHalfRecord) {
-    TempRoot root;
-    { fakekernel::KeyEventFifo made; }
-    installSystemCalls(&kCountingCalls);
-    std::atomic<int> state{6};
-    Recorded recorded;
-    EvDetectThread thread(state);
-    QObject::connect(
-        &thread, &EvDetectThread::keyPressedEvent,
-        [&recorded](unsigned short code, unsigned short value) { recorded.add(code, value); });
-    thread.start();
-    const QByteArray path = QFile::encodeName(root.file("dev/event0"));
-    const std::vector<input_event> key = keyRecords(KEY_C, 1);
-    int writer = ::open(path, O_WRONLY);
-    ASSERT_EQ(::write(writer, key.data(), 10), 10);
+TEST_F(KeyThreadTest, GarbageAndAWriterThatClosesLeaveTheKeysWorking) {
+    std::vector<unsigned char> garbage(40 * sizeof(input_event));
+    for (size_t i = 0; i < garbage.size(); ++i)
+        garbage[i] = (i * 89 + 7) % 251;
+    eventsFor(garbage.data(), garbage.size());
+    fifo.reset();
+    EXPECT_EQ(keysTool(root, {"press", "31"}), 0);  // a writer that comes and goes
+    const int writer = ::open(QFile::encodeName(root.file("dev/event0")), O_WRONLY);
+    EXPECT_EQ(::write(writer, keyRecords(KEY_C, 1).data(), 10), 10);
     ::close(writer);
-    reads = 0;
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_LT(reads.load(), 20);
-    std::vector<input_event> next = keyRecords(KEY_C, 1);
-    next.push_back(keyRecords(kMarkerKey, 1)[0]);
-    writer = ::open(path, O_WRONLY);
-    const ssize_t size = ssize_t(next.size() * sizeof(input_event));
-    ASSERT_EQ(::write(writer, next.data(), size_t(size)), size);
-    EXPECT_EQ(recorded.untilMarker(), (Events{{KEY_C, 1}}));
-    ::close(writer);
-    thread.stop();
-    thread.wait();
-    installSystemCalls(nullptr);
+    const std::clock_t before = std::clock();  // processor time
+    QThread::msleep(500);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 10) << "the thread spins on the end";
+    fifo.emplace();
+    EXPECT_EQ(eventsFor(keyRecords(KEY_B, 1)), (Events{{31, 1}, {KEY_B, 1}}));
 }
 
 TEST(KeyThread, WithoutAKeyDeviceTheThreadEndsAtOnce) {
-    const std::vector<std::function<void(const TempRoot&)>> setUps = {
-        [](const TempRoot&) {},
-        [](const TempRoot& root) {
-            QDir().mkpath(root.file("dev"));
-            QFile file(root.file("dev/event0"));
-            file.open(QIODevice::WriteOnly);
-            file.write(QByteArray(48, '\1'));
-        },
-        [](const TempRoot& root) { QDir().mkpath(root.file("dev/event0")); },
-    };
-    for (const auto& setUp : setUps) {
+    for (const char* there : {"", "file", "folder"}) {
         TempRoot root;
-        setUp(root);
+        QDir().mkpath(root.file(QString(there) == "folder" ? "dev/event0" : "dev"));
+        QFile file(root.file("dev/event0"));
+        EXPECT_TRUE(QString(there) != "file" || file.open(QIODevice::WriteOnly));
         std::atomic<int> state{6};
         EvDetectThread thread(state);
         EXPECT_FALSE(thread.isDeviceOpen());
         thread.start();
         EXPECT_TRUE(thread.wait(5000));
+    }
+}
+
+TEST(KeyAndLightThreads, AreStartedAndDestroyedFiftyTimes) {
+    TempRoot root;
+    fakekernel::KeyEventFifo fifo;
+    std::atomic<int> state{6};
+    for (int round = 0; round < 50; ++round) {
+        EvDetectThread keys(state);
+        DeviceInfoThread light;
+        ASSERT_TRUE(keys.isDeviceOpen());
+        keys.start();
+        light.start();
     }
 }
 
