@@ -1,0 +1,7 @@
+#include "poweroff.h"
+
+#include "shellrunner.h"
+
+int powerOff() {
+    return runShellCommand("reboot");
+}
