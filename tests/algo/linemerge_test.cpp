@@ -75,6 +75,7 @@ TEST(LineMerge, WhichCandidatesAreKeptAndJoined) {
         {{segment(100, 100, 108, 100)}, 16, 0, "shorter than 10 px"},
         {{segment(100, 100, 300, 100, 12.5)}, 16, 0, "wider than 12 px"},
         {{line}, 10, 0, "sens 10: no wider than 10 px"},
+        {{line}, 9, 0, "sens 9, the last of the fine ones: no wider than 10 px"},
         {{line}, 16, 1, "11 px at sens 16"},
         // The span test is on the axes, not the length: the diagonal is 60 long, 42.4 on both.
         {{diagonal}, 18, 0, "spans 42 against 45"},

@@ -128,4 +128,17 @@ TEST(FindLumaspecSegment, ASquareWithNoPixelsFindsNothing) {
     EXPECT_EQ(segments, nullptr);
 }
 
+TEST(FindLumaspecSegment, TheFinerSensitivitiesTellCloseScratchesApart) {
+    // Two faint scratches 3 um apart. Sens 5 to 9 and 15 to 19 blur less before the search and
+    // see both, each by its two edges; the others see one dark band between two edges.
+    const double gap = 3.0 / kUmPerPixel;
+    const Frame f({{700.0, 600.0, 900.0, 630.0, 2.0, 40.0, false},
+                   {700.0, 600.0 + gap, 900.0, 630.0 + gap, 2.0, 40.0, false}});
+    const std::pair<int, int> expected[] = {{1, 2},  {4, 2},  {5, 4},  {9, 4},
+                                            {11, 2}, {14, 2}, {15, 4}, {19, 4}};
+    for (const auto& [sens, edges] : expected) {
+        EXPECT_EQ(search(f, 800, 600, 200.0, 400.0, {}, {}, sens).count, edges) << "sens " << sens;
+    }
+}
+
 }  // namespace
