@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mergesegment.h"
+#include "nearvalues.h"
 
 namespace {
 
@@ -27,9 +28,10 @@ TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
                                                segment(560, 460, 500, 400, 3.5)};
     const std::vector<ScratchRecord> out = merged(pieces);
     ASSERT_EQ(out.size(), 1u);
-    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 300, 1e-6);
-    EXPECT_NEAR(std::max(out[0].x1, out[0].x2), 560, 1e-6);
-    EXPECT_NEAR(std::max(out[0].y1, out[0].y2), 460, 1e-6);
+    expectNear({300, 560, 460},
+               {std::min(out[0].x1, out[0].x2), std::max(out[0].x1, out[0].x2),
+                std::max(out[0].y1, out[0].y2)},
+               1e-6);
     EXPECT_EQ(out[0].width, 4.5) << "as wide as its widest piece";
 }
 
@@ -38,10 +40,8 @@ TEST(LineMerge, TheTwoEdgesOfAWideScratchBecomeOneScratchBetweenThem) {
     const std::vector<ScratchRecord> out =
         merged({segment(100, 296, 400, 296, 4.0), segment(390, 304, 120, 304, 4.5)});
     ASSERT_EQ(out.size(), 1u);
-    EXPECT_NEAR(out[0].y1, 300.0, 1e-9);
-    EXPECT_NEAR(out[0].y2, 300.0, 1e-9);
-    EXPECT_NEAR(out[0].width, 8.0, 1e-9);
-    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 100.0, 1e-9);
+    expectNear({300.0, 300.0, 8.0, 100.0},
+               {out[0].y1, out[0].y2, out[0].width, std::min(out[0].x1, out[0].x2)}, 1e-9);
 }
 
 TEST(LineMerge, PiecesOfACircleAboutTheFiberCenterAreNoScratch) {

@@ -11,6 +11,7 @@
 
 #include "fastatan2.h"
 #include "lsd.h"
+#include "nearvalues.h"
 
 namespace {
 
@@ -341,10 +342,8 @@ TEST(LineSegmentDetection, TheFastSquareRootMovesResultsOnlySlightly) {
     ASSERT_FALSE(fast.empty());
     bool anyDifference = false;
     for (size_t i = 0; i < fast.size(); ++i) {
-        EXPECT_NEAR(fast[i].x1, exact[i].x1, 0.2);
-        EXPECT_NEAR(fast[i].y1, exact[i].y1, 0.2);
-        EXPECT_NEAR(fast[i].x2, exact[i].x2, 0.2);
-        EXPECT_NEAR(fast[i].y2, exact[i].y2, 0.2);
+        expectNear({fast[i].x1, fast[i].y1, fast[i].x2, fast[i].y2},
+                   {exact[i].x1, exact[i].y1, exact[i].x2, exact[i].y2}, 0.2);
         EXPECT_NEAR(fast[i].width, exact[i].width, 0.02 * exact[i].width);
         anyDifference = anyDifference || fast[i].x1 != exact[i].x1 || fast[i].y2 != exact[i].y2;
     }
