@@ -129,8 +129,7 @@ TEST_F(CaptureThreadTest, Mode0DrivesTheVideoOutputAndReportsTheMeanGray) {
               std::vector<long>{});  // the preview skips the sharpness
     const Lines display = kernel.output().requests();
     ASSERT_FALSE(display.empty());
-    EXPECT_EQ(display.front(), "open");
-    EXPECT_EQ(display.back(), "close");
+    EXPECT_EQ((Lines{display.front(), display.back()}), (Lines{"open", "close"}));
     unsigned width = 0, height = 0;
     const std::vector<uint8_t> shown = kernel.output().shownPicture(width, height);
     ASSERT_EQ(shown.size(), size_t(width) * height * 2);
