@@ -40,9 +40,8 @@ TEST(MeasureSingleFiber, ACleanEndFacePassesWithOneResultPerZone) {
                      });
     measure(thread, region);
     EXPECT_TRUE(reportedPass);
-    EXPECT_EQ(thread.defectCount(), 0);
-    EXPECT_EQ(thread.scratchCount(), 0);
-    EXPECT_EQ(reported.size(), 3);
+    EXPECT_EQ((std::vector<int>{thread.defectCount(), thread.scratchCount(), int(reported.size())}),
+              (std::vector<int>{0, 0, 3}));
 }
 
 TEST(MeasureSingleFiber, ATaskWithoutZonesFailsWithAnEmptyList) {
@@ -65,9 +64,9 @@ TEST(MeasureSingleFiber, AFailedDefectSearchFailsTheRunButTheZonesAreStillListed
     RenderedRegion region(spots);
     MeasureSingleFiberThread thread;
     measure(thread, region);
-    EXPECT_EQ(thread.defectCount(), -1);
     EXPECT_FALSE(thread.passed());
-    EXPECT_EQ(thread.results().size(), 3);
+    EXPECT_EQ((std::vector<int>{thread.defectCount(), int(thread.results().size())}),
+              (std::vector<int>{-1, 3}));
 }
 
 TEST(MeasureSingleFiber, TheOverlayColoursDefectsByClass) {
@@ -151,9 +150,8 @@ TEST(MeasureSingleFiberVerdicts, ScratchesAgainstTheirZonesWidthLimitAndTheirOve
         MeasureSingleFiberThread thread;
         measure(thread, region);
         const TaskZoneResult zone = thread.results().value(c.zone);
-        EXPECT_EQ(zone.sNoBiggerNum, c.narrow);
-        EXPECT_EQ(zone.sBiggerNum, c.wide);
-        EXPECT_EQ(zone.sBiggerResult, c.wideResult);
+        EXPECT_EQ((std::vector<int>{zone.sNoBiggerNum, zone.sBiggerNum, zone.sBiggerResult}),
+                  (std::vector<int>{c.narrow, c.wide, c.wideResult}));
         if (c.colour.isValid()) {
             ASSERT_EQ(thread.scratchCount(), 1);
             const ScratchRecord& s = thread.scratches()[0];
