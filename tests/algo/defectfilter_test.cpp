@@ -50,9 +50,8 @@ TEST(DefectGrading, CountsAndAreaGoToTheDefectsZone) {
                                                box(5, 5, 0), box(5, 5, kNoZone)};
     DefecetFilter(defects.data(), int(defects.size()), task, 0.5f);
     const TaskZoneResult& zone1 = task.zoneResults[1];
-    EXPECT_EQ(zone1.dNoBiggerNum, 1);
-    EXPECT_EQ(zone1.dMidNum, 1);
-    EXPECT_EQ(zone1.dBiggerNum, 1);
+    EXPECT_EQ((std::vector<int>{zone1.dNoBiggerNum, zone1.dMidNum, zone1.dBiggerNum}),
+              (std::vector<int>{1, 1, 1}));
     EXPECT_DOUBLE_EQ(zone1.dArea, 0.8 * (0.25 + 6.25 + 20.25));
     EXPECT_EQ(task.zoneResults[0].dMidNum, 1);
     EXPECT_EQ(defects[4].sizeClass, -1) << "outside every zone: not graded";

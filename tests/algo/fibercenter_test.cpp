@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
 #include "fibercenter.h"
 #include "fibercenterregion.h"
+#include "nearvalues.h"
 #include "testpicture.h"
 
 namespace {
@@ -82,8 +84,7 @@ TEST(FiberBlob, AFiberSizedDiscIsFoundAndBinarised) {
     picture.disc(161, 158, 122, kCladding);
     BlobResult blob = runBlobStage(picture);
     ASSERT_EQ(blob.code, 1);
-    EXPECT_NEAR(blob.x, 161, 2);
-    EXPECT_NEAR(blob.y, 158, 2);
+    expectNear({161, 158}, {double(blob.x), double(blob.y)}, 2);
     EXPECT_EQ(blob.r, 77) << "r is only scaled by scale / 2";
     const int t = GetFiberCenterRegion().ClarityGetPriThresh(picture.data(), 320, 320);
     EXPECT_GT(t, kCladding);
@@ -135,8 +136,9 @@ TEST(FiberBlob, WithoutOneFiberLikeObjectTheStageFailsAndLeavesTheWorkPictureAlo
         const BlobResult blob = runBlobStage(picture);
         EXPECT_EQ(blob.code, c.code);
         EXPECT_EQ(blob.work, std::vector<unsigned char>(picture.pixels.size(), 7));
-        EXPECT_EQ(blob.x, c.centered ? c.width / 2 : -1);
-        EXPECT_EQ(blob.y, c.centered ? c.height / 2 : -1);
+        EXPECT_EQ((std::array<int, 2>{blob.x, blob.y}),
+                  (c.centered ? std::array<int, 2>{c.width / 2, c.height / 2}
+                              : std::array<int, 2>{-1, -1}));
         if (c.paint == paintCrowd) {
             EXPECT_EQ(blob.objects, 200);
         }
@@ -153,8 +155,7 @@ TEST(FiberBlob, TheCloserSizeWinsAndThenTheFirstInRasterOrder) {
         picture.disc(500, d[3], d[2], kCladding);
         const BlobResult blob = runBlobStage(picture);
         ASSERT_EQ(blob.code, 1) << d[0];
-        EXPECT_NEAR(blob.x, d[4], 2) << d[0];
-        EXPECT_NEAR(blob.y, d[3], 2) << d[0];
+        expectNear({d[4], d[3]}, {double(blob.x), double(blob.y)}, 2);
     }
 }
 
@@ -209,8 +210,7 @@ TEST(FiberCenter, TooFewEdgePointsKeepTheBlobCenter) {
     picture.disc(160, 160, 62, 230);
     int x = 0, y = 0, r = 122;
     EXPECT_EQ(AlgGetFiberCenterXY(picture.data(), 320, 320, 122, x, y, r), 0);
-    EXPECT_NEAR(x, 160, 2);
-    EXPECT_NEAR(y, 160, 2);
+    expectNear({160, 160}, {double(x), double(y)}, 2);
     EXPECT_EQ(r, 122);
 }
 
@@ -219,14 +219,11 @@ TEST(FiberCenter, BlobStageFailuresAndUnsupportedSizesAreRefused) {
     wrongSize.disc(150, 150, 100, kCladding);
     int x = 0, y = 0, r = 99;
     EXPECT_EQ(AlgGetFiberCenterXY(wrongSize.data(), 320, 300, 122, x, y, r), -2);
-    EXPECT_EQ(x, 160);
-    EXPECT_EQ(y, 150);
-    EXPECT_EQ(r, 99);
+    EXPECT_EQ((std::array<int, 3>{x, y, r}), (std::array<int, 3>{160, 150, 99}));
     TestPicture crowded(320, 320, kFerrule);
     paintCrowd(crowded);
     EXPECT_EQ(AlgGetFiberCenterXY(crowded.data(), 320, 320, 122, x, y, r), -1);
-    EXPECT_EQ(x, 160);
-    EXPECT_EQ(y, 160);
+    EXPECT_EQ((std::array<int, 2>{x, y}), (std::array<int, 2>{160, 160}));
 
     const TestPicture small(10, 10, kFerrule);
     EXPECT_EQ(AlgGetFiberCenterXY(small.data(), 2001, 10, 122, x, y, r), -1);

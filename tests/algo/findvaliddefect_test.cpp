@@ -35,11 +35,15 @@ struct Extraction {
     }
 };
 
-void expectBox(const defect_info_struct& d, int top, int bottom, int left, int right) {
-    EXPECT_EQ(d.top, top);
-    EXPECT_EQ(d.bottom, bottom);
-    EXPECT_EQ(d.left, left);
-    EXPECT_EQ(d.right, right);
+using Box = std::array<int, 4>;
+
+// Top, bottom, left and right of each defect, to compare whole lists at once.
+std::vector<Box> boxesOf(const std::vector<defect_info_struct>& defects) {
+    std::vector<Box> boxes;
+    for (const defect_info_struct& d : defects) {
+        boxes.push_back({d.top, d.bottom, d.left, d.right});
+    }
+    return boxes;
 }
 
 }  // namespace
@@ -54,7 +58,6 @@ TEST(ValidDefect, RegionsUnderSixteenPixelsAreDropped) {
 }
 
 TEST(ValidDefect, RegionsBecomeBoxesListedInRowMajorOrderOfTheirFirstPixel) {
-    using Box = std::array<int, 4>;
     struct Case {
         const char* what;
         std::vector<Box> regions;  // left, top, width, height
@@ -75,9 +78,7 @@ TEST(ValidDefect, RegionsBecomeBoxesListedInRowMajorOrderOfTheirFirstPixel) {
             e.set(r[0], r[1], r[2], r[3]);
         }
         ASSERT_EQ(e.run(), int(c.boxes.size()));
-        for (size_t i = 0; i < c.boxes.size(); ++i) {
-            expectBox(e.defects[i], c.boxes[i][0], c.boxes[i][1], c.boxes[i][2], c.boxes[i][3]);
-        }
+        EXPECT_EQ(boxesOf(e.defects), c.boxes);
         EXPECT_EQ(e.accepted[c.boxes[0][0] * kSize + c.boxes[0][2]], 255) << "accepted";
         EXPECT_EQ(e.accepted[c.boxes[0][0] * kSize + 1], 0) << "left of every box";
     }
@@ -112,8 +113,8 @@ TEST(ValidDefect, ADefectTakesTheSmallestZoneUnderIt) {
     e.set(20, 20, 12, 4);  // zones 2 and 1 (and one 255)
     e.set(5, 40, 4, 4);    // zone 2 only
     ASSERT_EQ(e.run(), 2);
-    EXPECT_EQ(e.defects[0].zone, 1);
-    EXPECT_EQ(e.defects[1].zone, 2);
+    EXPECT_EQ((std::array<int, 2>{e.defects[0].zone, e.defects[1].zone}),
+              (std::array<int, 2>{1, 2}));
 
     Extraction noZoneMap;
     noZoneMap.set(20, 20, 4, 4);
@@ -129,8 +130,7 @@ TEST(ValidDefect, TheListGrowsBeyondItsFirstTwoHundredRecords) {
         }
     }
     ASSERT_EQ(e.run(), 400);
-    EXPECT_EQ(e.defects[399].top, 4 + 12 * 19);
-    EXPECT_EQ(e.defects[399].left, 4 + 12 * 19);
+    EXPECT_EQ(boxesOf(e.defects)[399], (Box{4 + 12 * 19, 8 + 12 * 19, 4 + 12 * 19, 8 + 12 * 19}));
 }
 
 TEST(DefectBoxes, TheLabelMapShowsTheLaterDefectWhereBoxesOverlap) {
@@ -142,11 +142,8 @@ TEST(DefectBoxes, TheLabelMapShowsTheLaterDefectWhereBoxesOverlap) {
     std::vector<short> labels(10 * 10, -1);
     std::vector<unsigned char> mask(10 * 10, 0);
     SetDefectRectPixel(list, 10, 10, 5, mask.data(), labels.data(), 255);
-    EXPECT_EQ(labels[2 * 10 + 2], 0);
-    EXPECT_EQ(labels[5 * 10 + 5], 1);
-    EXPECT_EQ(labels[7 * 10 + 7], 1);
-    EXPECT_EQ(labels[0], -1);
-    EXPECT_EQ(labels[1 * 10 + 8], -1);
-    EXPECT_EQ(mask[4 * 10 + 3], 255);
-    EXPECT_EQ(mask[1 * 10 + 1], 0);
+    // Pixels (x, y) = (2, 2), (5, 5), (7, 7), (0, 0) and (8, 1) labelled; (3, 4), (1, 1) masked.
+    EXPECT_EQ((std::vector<int>{labels[22], labels[55], labels[77], labels[0], labels[18]}),
+              (std::vector<int>{0, 1, 1, -1, -1}));
+    EXPECT_EQ((std::vector<int>{mask[43], mask[11]}), (std::vector<int>{255, 0}));
 }

@@ -41,16 +41,12 @@ TEST(FloodFill, FillsTheFourConnectedRegionAndReportsItsBox) {
     image.fill(12, 6, 2, 2, 255);  // touching only by a corner: not part of it
     FloodFill flood;
     const Filled f = fill(flood, image, mark, nullptr, 4, 3);
-    EXPECT_EQ(f.count, 20 + 4);
-    EXPECT_EQ(f.minX, 3);
-    EXPECT_EQ(f.maxX, 11);
-    EXPECT_EQ(f.minY, 2);
-    EXPECT_EQ(f.maxY, 5);
-    EXPECT_EQ(f.minZone, 0) << "without a zone map";
-    EXPECT_EQ(image.at(12, 6), 255);
-    EXPECT_EQ(image.at(3, 2), 0);
-    EXPECT_EQ(mark.at(11, 5), 9);
-    EXPECT_EQ(mark.at(12, 6), 0);
+    // Count, box (min x, max x, min y, max y), and zone 0 without a zone map.
+    EXPECT_EQ((std::vector<int>{f.count, f.minX, f.maxX, f.minY, f.maxY, f.minZone}),
+              (std::vector<int>{20 + 4, 3, 11, 2, 5, 0}));
+    // The filled pixels are cleared in the image and marked; the corner-touching block is not.
+    EXPECT_EQ((std::vector<int>{image.at(12, 6), image.at(3, 2), mark.at(11, 5), mark.at(12, 6)}),
+              (std::vector<int>{255, 0, 9, 0}));
 }
 
 TEST(FloodFill, TheSmallestZoneUnderTheRegionIgnoringNoZone) {

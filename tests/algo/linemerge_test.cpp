@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mergesegment.h"
+#include "nearvalues.h"
 
 namespace {
 
@@ -27,9 +28,10 @@ TEST(LineMerge, CollinearPiecesBecomeOneScratchBetweenTheExtremeEnds) {
                                                segment(560, 460, 500, 400, 3.5)};
     const std::vector<ScratchRecord> out = merged(pieces);
     ASSERT_EQ(out.size(), 1u);
-    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 300, 1e-6);
-    EXPECT_NEAR(std::max(out[0].x1, out[0].x2), 560, 1e-6);
-    EXPECT_NEAR(std::max(out[0].y1, out[0].y2), 460, 1e-6);
+    expectNear({300, 560, 460},
+               {std::min(out[0].x1, out[0].x2), std::max(out[0].x1, out[0].x2),
+                std::max(out[0].y1, out[0].y2)},
+               1e-6);
     EXPECT_EQ(out[0].width, 4.5) << "as wide as its widest piece";
 }
 
@@ -38,10 +40,8 @@ TEST(LineMerge, TheTwoEdgesOfAWideScratchBecomeOneScratchBetweenThem) {
     const std::vector<ScratchRecord> out =
         merged({segment(100, 296, 400, 296, 4.0), segment(390, 304, 120, 304, 4.5)});
     ASSERT_EQ(out.size(), 1u);
-    EXPECT_NEAR(out[0].y1, 300.0, 1e-9);
-    EXPECT_NEAR(out[0].y2, 300.0, 1e-9);
-    EXPECT_NEAR(out[0].width, 8.0, 1e-9);
-    EXPECT_NEAR(std::min(out[0].x1, out[0].x2), 100.0, 1e-9);
+    expectNear({300.0, 300.0, 8.0, 100.0},
+               {out[0].y1, out[0].y2, out[0].width, std::min(out[0].x1, out[0].x2)}, 1e-9);
 }
 
 TEST(LineMerge, PiecesOfACircleAboutTheFiberCenterAreNoScratch) {
@@ -75,6 +75,7 @@ TEST(LineMerge, WhichCandidatesAreKeptAndJoined) {
         {{segment(100, 100, 108, 100)}, 16, 0, "shorter than 10 px"},
         {{segment(100, 100, 300, 100, 12.5)}, 16, 0, "wider than 12 px"},
         {{line}, 10, 0, "sens 10: no wider than 10 px"},
+        {{line}, 9, 0, "sens 9, the last of the fine ones: no wider than 10 px"},
         {{line}, 16, 1, "11 px at sens 16"},
         // The span test is on the axes, not the length: the diagonal is 60 long, 42.4 on both.
         {{diagonal}, 18, 0, "spans 42 against 45"},

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <vector>
 
+#include "nearvalues.h"
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -27,14 +29,6 @@ struct System {
         return x;
     }
 };
-
-void expectNear(const std::vector<double>& expected, const std::vector<double>& actual,
-                double tolerance) {
-    ASSERT_EQ(expected.size(), actual.size());
-    for (std::size_t k = 0; k < expected.size(); ++k) {
-        EXPECT_NEAR(expected[k], actual[k], tolerance) << "element " << k;
-    }
-}
 
 TEST(LeastSquaresSolver, GivesTheMinimumNormLeastSquaresSolution) {
     struct Case {
@@ -119,10 +113,8 @@ TEST(EllipseFit, FitsCirclesAndRotatedEllipsesOfEdgePoints) {
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << c.along << " x " << c.across << " at " << c.degrees);
         const Fit fit = ellipsePoints(c.cx, c.cy, c.along, c.across, c.degrees, c.count).fit();
-        EXPECT_NEAR(c.cx, fit[0], 0.05);
-        EXPECT_NEAR(c.cy, fit[1], 0.05);
-        EXPECT_NEAR(2 * c.across, fit[2], 0.5);
-        EXPECT_NEAR(2 * c.along, fit[3], 0.5);
+        expectNear({c.cx, c.cy}, {fit[0], fit[1]}, 0.05);
+        expectNear({2 * c.across, 2 * c.along}, {fit[2], fit[3]}, 0.5);
         if (c.angleTolerance >= 0) {
             EXPECT_NEAR(c.degrees + 90.0, fit[4], c.angleTolerance);
         }
@@ -132,17 +124,8 @@ TEST(EllipseFit, FitsCirclesAndRotatedEllipsesOfEdgePoints) {
 // Five points fix a conic: (x/10)^2 + (y/5)^2 = 1 around (200, 150) through five whole-pixel
 // points. Their centroid is off the center, so the center step has work to do.
 TEST(EllipseFit, FitsFivePointsOnAConicExactly) {
-    Points points;
-    points.add(210, 150);
-    points.add(190, 150);
-    points.add(200, 155);
-    points.add(206, 154);
-    points.add(192, 153);
-    const Fit fit = points.fit();
-    EXPECT_NEAR(200.0, fit[0], 1e-9);
-    EXPECT_NEAR(150.0, fit[1], 1e-9);
-    EXPECT_NEAR(10.0, fit[2], 1e-9);
-    EXPECT_NEAR(20.0, fit[3], 1e-9);
+    const Fit fit = Points{{210, 190, 200, 206, 192}, {150, 150, 155, 154, 153}}.fit();
+    expectNear({200.0, 150.0, 10.0, 20.0}, {fit[0], fit[1], fit[2], fit[3]}, 1e-9);
     EXPECT_NEAR(90.0, fit[4], 1e-6);
 }
 

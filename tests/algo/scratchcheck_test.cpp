@@ -8,6 +8,7 @@
 
 #include "endfacerenderer.h"
 #include "factorytasks.h"
+#include "nearvalues.h"
 #include "scratchgeometry.h"
 #include "segmentsearch.h"
 
@@ -71,14 +72,11 @@ TEST(ScratchGeometry, TheLineMeetsTheCircleLargerXFirst) {
         {{6, 1, 6, 2}, 0, 0, 10, {6, 8, 6, -8}, 0.0},  // vertical
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.line[0] << "," << c.line[1]);
         double p[4];
         ASSERT_TRUE(GetLineCirclePoint(c.line[0], c.line[1], c.line[2], c.line[3], c.cx, c.cy, c.r,
-                                       p[0], p[1], p[2], p[3]))
-            << c.line[0] << "," << c.line[1];
-        for (int k = 0; k < 4; ++k) {
-            EXPECT_NEAR(p[k], c.expected[k], c.tolerance)
-                << c.line[0] << "," << c.line[1] << " #" << k;
-        }
+                                       p[0], p[1], p[2], p[3]));
+        expectNear({c.expected, c.expected + 4}, {p, p + 4}, c.tolerance);
     }
     double x1, y1, x2, y2;
     EXPECT_FALSE(GetLineCirclePoint(0, 50, 1, 50, 0, 0, 10, x1, y1, x2, y2)) << "misses";

@@ -81,10 +81,7 @@ TEST(FindLumaspecSegment, ACropClippedByTheFrameReportsFramePixels) {
     EXPECT_EQ(countAlong(found, kInside), found.count) << "all from the scratch in the square";
     for (int i = 0; i < found.count; ++i) {
         const double x1 = found.tuples[size_t(7 * i)], y1 = found.tuples[size_t(7 * i + 1)];
-        EXPECT_GE(x1, 0.0);
-        EXPECT_LE(x1, 210.0);
-        EXPECT_GE(y1, 1000.0);
-        EXPECT_LE(y1, 1200.0);
+        EXPECT_TRUE(x1 >= 0.0 && x1 <= 210.0 && y1 >= 1000.0 && y1 <= 1200.0) << x1 << "," << y1;
     }
     // When r exceeds the inspection circle's radius the whole frame is searched.
     const Found whole = search(f, 60, 1150, 150.0, 100.0);
@@ -111,8 +108,7 @@ TEST(FindLumaspecSegment, ExclusionsAreGivenInFramePixelsAndLeftUnchanged) {
         defect_info_struct{1000, 1199, 0, 209, 2, 1},  // the whole square
     };
     EXPECT_EQ(search(f, 60, 1150, 150.0, 400.0, {}, boxes).count, 0);
-    EXPECT_EQ(boxes[0].top, 1000);
-    EXPECT_EQ(boxes[0].left, 0);
+    EXPECT_EQ((std::vector<int>{boxes[0].top, boxes[0].left}), (std::vector<int>{1000, 0}));
     const std::vector<defect_info_struct> elsewhere = {defect_info_struct{0, 900, 0, 1599, 2, 1}};
     EXPECT_GE(search(f, 60, 1150, 150.0, 400.0, {}, elsewhere).count, 2);
 }
@@ -126,6 +122,19 @@ TEST(FindLumaspecSegment, ASquareWithNoPixelsFindsNothing) {
               0);
     EXPECT_EQ(count, 0);
     EXPECT_EQ(segments, nullptr);
+}
+
+TEST(FindLumaspecSegment, TheFinerSensitivitiesTellCloseScratchesApart) {
+    // Two faint scratches 3 um apart. Sens 5 to 9 and 15 to 19 blur less before the search and
+    // see both, each by its two edges; the others see one dark band between two edges.
+    const double gap = 3.0 / kUmPerPixel;
+    const Frame f({{700.0, 600.0, 900.0, 630.0, 2.0, 40.0, false},
+                   {700.0, 600.0 + gap, 900.0, 630.0 + gap, 2.0, 40.0, false}});
+    const std::pair<int, int> expected[] = {{1, 2},  {4, 2},  {5, 4},  {9, 4},
+                                            {11, 2}, {14, 2}, {15, 4}, {19, 4}};
+    for (const auto& [sens, edges] : expected) {
+        EXPECT_EQ(search(f, 800, 600, 200.0, 400.0, {}, {}, sens).count, edges) << "sens " << sens;
+    }
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <sys/stat.h>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include "readonlyfolder.h"
 #include "taskjson.h"
@@ -32,15 +30,10 @@ TEST_F(SettingsFile, FactoryRestorePutsBothFactoryFilesBack) {
     SettingsStore store;
     ASSERT_TRUE(store.setValue(SettingsStore::kOperator, "Night shift"));
     ASSERT_TRUE(store.setValue(SettingsStore::kShutdownTime, 0));
-    QFile tasks(taskFilePath());
-    ASSERT_TRUE(tasks.open(QIODevice::WriteOnly));
-    tasks.write("{}");
-    tasks.close();
+    ASSERT_TRUE(writeFile(taskFilePath(), "{}"));
 
     ASSERT_TRUE(store.restoreFactorySettings());
-    QFile factoryTasks(":/conf/taskinfo.conf");
-    ASSERT_TRUE(factoryTasks.open(QIODevice::ReadOnly));
-    EXPECT_EQ(fileContents(taskFilePath()), factoryTasks.readAll());
+    EXPECT_EQ(fileContents(taskFilePath()), fileContents(":/conf/taskinfo.conf"));
     TaskList restored;
     ASSERT_EQ(restored.readTaskListFromJsonFile(), 0);
     ASSERT_FALSE(restored.tasks().isEmpty());

@@ -20,9 +20,7 @@ struct FakeTimer : ExposureTimer {
     void stop() override { active = false; }
 };
 
-struct AutoExposureTest : TwinTest {
-    CaptureThread thread;
-    CaptureRecorder recorder{thread};
+struct AutoExposureTest : CaptureTwinTest {
     FakeTimer timer;
     unsigned stored = 0;
     bool storedSingleFiber = false;
@@ -31,10 +29,6 @@ struct AutoExposureTest : TwinTest {
                                 stored = exposure;
                             }};
 
-    AutoExposureTest() {
-        ensureApplication();
-        world.setFramePeriod(std::chrono::milliseconds(5));
-    }
     ~AutoExposureTest() override {
         thread.stopCapture();
         VIDEO_WIDTH = VIDEO_HEIGHT = 240;

@@ -70,9 +70,8 @@ TEST_F(CaptureDeviceTest, AFrameCycleMakesTheRequestsInOrder) {
                           "VIDIOC_DQBUF capture mmap", "VIDIOC_QBUF capture mmap 0",
                           "VIDIOC_STREAMOFF capture", "munmap 0", "munmap 1", "close"}));
     // Closed: nothing more reaches the driver.
-    EXPECT_EQ(start_capture(), -1);
-    EXPECT_EQ(set_exposure(20), -1);
-    EXPECT_EQ(release_capture_device(), -1);
+    EXPECT_EQ((std::vector<int>{start_capture(), set_exposure(20), release_capture_device()}),
+              (std::vector<int>{-1, -1, -1}));
 }
 
 // The request that fails, what is printed, and the clean-up that follows it.

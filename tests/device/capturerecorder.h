@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "capturethread.h"
+#include "devicetesting.h"
 
 // The capture thread's signals as the user-interface thread receives them (queued), one record
 // each, for the tests to read as a table.
@@ -46,3 +47,16 @@ private:
 
 // The application object queued signals need, made once for the test program.
 void ensureApplication();
+
+// The twin giving a frame every 5 ms to a capture thread whose signals are recorded; the thread
+// is stopped at the end of the test.
+struct CaptureTwinTest : TwinTest {
+    CaptureThread thread;
+    CaptureRecorder recorder{thread};
+
+    CaptureTwinTest() {
+        ensureApplication();
+        world.setFramePeriod(std::chrono::milliseconds(5));
+    }
+    ~CaptureTwinTest() override { thread.stopCapture(); }
+};

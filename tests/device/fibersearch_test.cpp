@@ -93,8 +93,7 @@ TEST(FiberSearch, RenderedFibersAreFoundAndRefinedToWithinOneAndAHalfPixels) {
         ASSERT_EQ(s.found, 1);
         const double dx = s.rawX - scene.centerX, dy = s.rawY - scene.centerY;
         if (refinementRuns(scene.centerX, scene.centerY)) {
-            EXPECT_LE(std::abs(dx), 1.5);
-            EXPECT_LE(std::abs(dy), 1.5);
+            EXPECT_LE(std::max(std::abs(dx), std::abs(dy)), 1.5) << dx << "," << dy;
             refinedErrors.push_back(std::hypot(dx, dy));
         } else {
             EXPECT_LE(std::hypot(dx, dy), 8.0) << "the coarse center";
@@ -119,8 +118,7 @@ TEST(FiberSearch, TheWindowIsKeptInsideTheFrameAndWithoutFiberCenteredUnclamped)
         ASSERT_EQ(s.found, 1);
         EXPECT_NEAR(s.rawX, c.x, 6.0);
         EXPECT_NEAR(s.rawY, c.y, 6.0);
-        EXPECT_EQ(s.x, unsigned(c.windowX));
-        EXPECT_EQ(s.y, unsigned(c.windowY));
+        EXPECT_EQ((std::vector<int>{int(s.x), int(s.y)}), (std::vector<int>{c.windowX, c.windowY}));
     }
     const Search none =
         search(std::vector<uint16_t>(size_t(kSensorWidth) * kSensorHeight, 600), 1800);
@@ -141,8 +139,8 @@ TEST(FiberSearch, TheCoarseCenterStandsWhereTheRefinementCannotRun) {
         const std::vector<uint16_t> frame = render(scene);
         const Search refined = search(frame), coarse = search(frame, 960, false);
         ASSERT_EQ(refined.found, 1);
-        EXPECT_EQ(refined.rawX, coarse.rawX);
-        EXPECT_EQ(refined.rawY, coarse.rawY);
+        EXPECT_EQ((std::vector<unsigned>{refined.rawX, refined.rawY}),
+                  (std::vector<unsigned>{coarse.rawX, coarse.rawY}));
     }
 }
 

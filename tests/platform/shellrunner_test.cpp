@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QFileInfo>
 
 #include "boardstandins.h"
 #include "temproot.h"
+#include "testfiles.h"
 
 TEST(ShellRunner, BoardCommandsWithoutStandInsAndUnknownCommandsAreRefused) {
     TempRoot root;
@@ -28,19 +28,14 @@ TEST(ShellRunner, BoardCommandsRunTheirStandInsWhichRecordTheCall) {
     EXPECT_EQ(runShellCommand("red_led_on"), 0);
     EXPECT_EQ(runShellCommand("lcdbrightness", {"40"}), 0);
     EXPECT_EQ(runShellCommand("reboot"), 0);
-    QFile log(boardCommandLogPath());
-    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-    EXPECT_EQ(log.readAll(), "red_led_on\nlcdbrightness 40\nreboot\n");
+    EXPECT_EQ(fileContents(boardCommandLogPath()), "red_led_on\nlcdbrightness 40\nreboot\n");
 }
 
 TEST(ShellRunner, HarmlessCommandsRunOnTheHostAndReportTheirStatus) {
     TempRoot root;
     EXPECT_EQ(runShellCommand("sync"), 0);
-    QFile source(root.file("a.txt"));
-    ASSERT_TRUE(source.open(QIODevice::WriteOnly));
-    source.write("data");
-    source.close();
+    ASSERT_TRUE(writeFile(root.file("a.txt"), "data"));
     EXPECT_EQ(runShellCommand("cp", {root.file("a.txt"), root.file("b.txt")}), 0);
-    EXPECT_TRUE(QFileInfo(root.file("b.txt")).isFile());
+    EXPECT_EQ(fileContents(root.file("b.txt")), "data");
     EXPECT_NE(runShellCommand("cp", {root.file("missing.txt"), root.file("c.txt")}), 0);
 }

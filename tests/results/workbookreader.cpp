@@ -42,6 +42,14 @@ QString cellText(const QJsonObject& workbook, const QString& reference) {
     return value.isDouble() ? QString::number(value.toDouble()) : value.toString();
 }
 
+QStringList cellTexts(const QJsonObject& workbook, const QStringList& references) {
+    QStringList texts;
+    for (const QString& reference : references) {
+        texts << cellText(workbook, reference);
+    }
+    return texts;
+}
+
 QList<int> rowOrder(const QJsonObject& workbook) {
     QList<int> order;
     for (const QJsonValue& row : workbook["rowOrder"].toArray()) {

@@ -16,6 +16,9 @@ QJsonObject readWithOpenpyxl(const QString& path);
 // The value openpyxl reads in a cell ("A5"), as text; "" for an empty cell.
 QString cellText(const QJsonObject& workbook, const QString& reference);
 
+// The texts of several cells, in the order named: one comparison checks a whole row of them.
+QStringList cellTexts(const QJsonObject& workbook, const QStringList& references);
+
 // Edits a template as a user would (edit_template.py): "User note" in noteCell, a fill on A1,
 // column B 33 wide, and the logo picture at A4 when one is given.
 bool editLikeAUser(const QString& path, const QString& noteCell, const QString& logo = QString());

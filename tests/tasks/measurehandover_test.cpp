@@ -5,11 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <vector>
 
-#include "endfacerenderer.h"
-#include "factorytasks.h"
-#include "measuresinglefiberthread.h"
+#include "measuretesting.h"
 
 namespace {
 
@@ -29,25 +26,6 @@ public slots:
     }
 };
 
-// A 960 x 960 region around a rendered fiber, with a dark 8 um spot in zone B when `dirty`.
-std::vector<unsigned char> renderedRegion(bool dirty) {
-    sim::EndFaceScene scene;
-    scene.centerX = 800.0;
-    scene.centerY = 600.0;
-    if (dirty) {
-        scene.spots.push_back(sim::spotAtRadius(scene, 30.0, 40.0, 8.0, 50.0));
-    }
-    std::vector<unsigned char> gray(size_t(kMeasureWindowSide) * kMeasureWindowSide);
-    sim::renderGray(scene, 320, 120, kMeasureWindowSide, kMeasureWindowSide, gray.data());
-    return gray;
-}
-
-bool start(MeasureSingleFiberThread& thread, std::vector<unsigned char>& region) {
-    return thread.startMeasureSingleFiber(factoryTasks().value(0), region.data(), nullptr,
-                                          kMeasureWindowSide, kMeasureWindowSide, 320, 120, 480,
-                                          480, 1, 0, "SN1", 0);
-}
-
 }  // namespace
 
 TEST(MeasureHandOver, ASecondStartDuringARunIsRefusedAndTheFirstResultsStand) {
@@ -60,9 +38,9 @@ TEST(MeasureHandOver, ASecondStartDuringARunIsRefusedAndTheFirstResultsStand) {
         &receiver, SLOT(onMeasureSingleFiberFinished(bool, QImage*, QImage*, QList<ZoneResult>*)),
         Qt::QueuedConnection));
 
-    std::vector<unsigned char> dirty = renderedRegion(true), clean = renderedRegion(false);
-    ASSERT_TRUE(start(thread, dirty));
-    EXPECT_FALSE(start(thread, clean)) << "the first run is still in progress";
+    RenderedRegion dirty({spotAt(30.0, 40.0, 8.0, 50.0)}), clean;  // a dark 8 um spot in zone B
+    ASSERT_TRUE(startOn(thread, dirty));
+    EXPECT_FALSE(startOn(thread, clean)) << "the first run is still in progress";
     thread.wait();
     QCoreApplication::sendPostedEvents();
 
@@ -72,7 +50,7 @@ TEST(MeasureHandOver, ASecondStartDuringARunIsRefusedAndTheFirstResultsStand) {
     EXPECT_FALSE(thread.passed());
     EXPECT_GT(thread.defectCount(), 0);
 
-    ASSERT_TRUE(start(thread, clean)) << "once the run has ended, the next one starts";
+    ASSERT_TRUE(startOn(thread, clean)) << "once the run has ended, the next one starts";
     thread.wait();
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(receiver.calls, 2);

@@ -10,23 +10,16 @@
 #include "readonlyfolder.h"
 #include "taskjson.h"
 #include "temproot.h"
+#include "testfiles.h"
 
 namespace {
 
-QByteArray factoryBytes() {
-    QFile factory(":/conf/taskinfo.conf");
-    return factory.open(QIODevice::ReadOnly) ? factory.readAll() : QByteArray();
-}
-
 QByteArray fileBytes() {
-    QFile file(taskFilePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return fileContents(taskFilePath());
 }
 
 void putFile(const QByteArray& bytes) {
-    QFile file(taskFilePath());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    ASSERT_TRUE(writeFile(taskFilePath(), bytes));
 }
 
 QStringList idsInFile() {
@@ -42,7 +35,7 @@ class TaskListFile : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(QDir().mkpath(root_.file("etc")));
-        putFile(factoryBytes());
+        putFile(fileContents(":/conf/taskinfo.conf"));
         ASSERT_EQ(list_.readTaskListFromJsonFile(), 0);
         ASSERT_EQ(list_.tasks().size(), 16);
     }
