@@ -138,10 +138,7 @@ TEST_F(RemoteTest, ARunIsPushedAsStateThenResultToAConnectedClientOnly) {
         "manufacturer":"Quarvelin","zoneResults":[{"zoneName":"A","innerDiameter":"0",
         "outerDiameter":"0","sNoBiggerNum":"1","sNoBiggerResult":"1","sBiggerNum":"0",
         "sBiggerResult":"1","dNoBiggerNum":"3","dNoBiggerResult":"1","dMidNum":"2",
-        "dMidReuslt":"0","dBiggerNum":"0","dBiggerResult":"1","dArea":"12.5"},{"zoneName":"",
-        "innerDiameter":"0","outerDiameter":"0","sNoBiggerNum":"0","sNoBiggerResult":"0",
-        "sBiggerNum":"0","sBiggerResult":"0","dNoBiggerNum":"0","dNoBiggerResult":"0",
-        "dMidNum":"0","dMidReuslt":"0","dBiggerNum":"0","dBiggerResult":"0","dArea":"0"}]})"));
+        "dMidReuslt":"0","dBiggerNum":"0","dBiggerResult":"1","dArea":"12.5"}]})"));
     finishRun(1);  // a multi-fiber result has no single center
     server.pushLiveViewRestarted();
     EXPECT_EQ(client.next().value("method"), 7);

@@ -68,7 +68,7 @@ protected:
         writeFile(root.file("etc/taskinfo.conf"), text);
         controller.list.readTaskListFromJsonFile();
     }
-    // A finished run of `task` with a 64 x 48 picture and two graded zones.
+    // A finished run of `task` with a 64 x 48 picture and one graded zone of two.
     void finishRun(int contactorType) {
         RemoteMeasurement& run = controller.measurement;
         QImage picture(64, 48, QImage::Format_Grayscale8);
@@ -78,13 +78,12 @@ protected:
         setTaskText(run.task.sections[0].sectionName, "A");
         run.task.sectionNum = 2;
         run.task.contactorType = int16_t(contactorType);
-        run.results = {TaskZoneResult{1, 1, 0, 1, 3, 1, 2, 0, 0, 1, 12.5}, TaskZoneResult{}};
+        run.results = {TaskZoneResult{1, 1, 0, 1, 3, 1, 2, 0, 0, 1, 12.5}};
     }
 
     TempRoot root;
     int argc = 1;
-    char name[5] = "test";
-    char* argv[1] = {name};
+    char* argv[1] = {const_cast<char*>("test")};
     QCoreApplication app{argc, argv};
     StandInController controller;
     RemoteServer server{controller};
