@@ -6,7 +6,6 @@
 
 RemoteServer::RemoteServer(RemoteController& controller, QObject* parent)
     : QObject(parent), server_(new QTcpServer(this)), methods_(controller, this) {
-    qRegisterMetaType<QAbstractSocket::SocketState>();
     connect(server_, &QTcpServer::newConnection, this, &RemoteServer::onNewConnection);
     connect(this, &RemoteServer::networkMessage, this, &RemoteServer::onNetworkMessage,
             Qt::QueuedConnection);

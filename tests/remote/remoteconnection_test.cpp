@@ -1,10 +1,6 @@
 // The connection itself: framing, one client at a time, and the bounds that keep a client that
 // misbehaves from taking the instrument's memory.
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <QRandomGenerator>
 
 #include "remotetesting.h"
@@ -58,12 +54,8 @@ TEST_F(RemoteTest, AnEndlessLineClosesTheClient) {
 }
 
 TEST_F(RemoteTest, AClientThatNeverReadsIsDropped) {
-    const int lazy = ::socket(AF_INET, SOCK_STREAM, 0);
-    const int small = 4096;
-    ::setsockopt(lazy, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
-    sockaddr_in address{AF_INET, htons(server.serverPort()), {htonl(INADDR_LOOPBACK)}, {}};
-    ASSERT_EQ(::connect(lazy, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_TRUE(spinUntil([&] { return server.clientConnected(); }));
+    TestClient lazy(server.serverPort());
+    lazy.socket.setReadBufferSize(1);  // it takes one byte and then nothing more
     finishRun(0);
     QImage& noise = controller.measurement.image = QImage(960, 960, QImage::Format_Grayscale8);
     for (int y = 0; y < noise.height(); ++y) {  // noise does not compress: about 1 MB a picture
@@ -74,7 +66,6 @@ TEST_F(RemoteTest, AClientThatNeverReadsIsDropped) {
         spinUntil([] { return false; }, 20);  // the socket hands the kernel what it takes
     }
     EXPECT_FALSE(server.clientConnected());
-    ::close(lazy);
 }
 
 TEST_F(RemoteTest, AThousandConnectionsLeaveNoSocketBehind) {
