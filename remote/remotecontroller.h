@@ -8,9 +8,10 @@
 #include "taskinfo.h"
 
 // What the controller keeps of a finished measurement for the remote client. It is a copy
-// taken when the run has finished: the measurement threads reuse their buffers on the next
-// run, so a client asking for the result while the next run is under way would otherwise read
-// half-overwritten pictures and counts.
+// taken when the run has finished (in the handler of the run's finished signal, before the
+// result is pushed): the measurement threads reuse their buffers on the next run, so a client
+// asking for the result while the next run is under way would otherwise read half-overwritten
+// pictures and counts.
 struct RemoteMeasurement {
     bool taken = false;  // false until the first run has finished
     bool pass = false;
