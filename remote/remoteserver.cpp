@@ -5,7 +5,7 @@
 #include <cstdio>
 
 RemoteServer::RemoteServer(RemoteController& controller, QObject* parent)
-    : QObject(parent), server_(new QTcpServer(this)), methods_(controller, this) {
+    : QObject(parent), server_(new QTcpServer(this)), methods_(controller) {
     connect(server_, &QTcpServer::newConnection, this, &RemoteServer::onNewConnection);
     connect(this, &RemoteServer::networkMessage, this, &RemoteServer::onNetworkMessage,
             Qt::QueuedConnection);
