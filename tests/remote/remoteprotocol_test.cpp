@@ -101,6 +101,7 @@ TEST_F(RemoteTest, StartAndTriggerPressTheMeasureKeyOnlyInTheirStates) {
     controller.state = 6;
     EXPECT_TRUE(spinUntil([&] { return controller.pressStates == QList<int>{8, 6}; }));
     EXPECT_EQ(controller.id, "C-17");
+    controller.state = 6;
     server.onNetworkMessage({{"RequestMethodId", 5}}, kRaisedLocally);  // only clients start
     EXPECT_EQ(controller.pressStates.size(), 2);
 }
