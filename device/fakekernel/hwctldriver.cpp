@@ -42,6 +42,7 @@ int HwctlDriver::answer(const char* name, int end, void* argument) {
     if (end != kNoEnd) {
         closed_[end].store(closed, std::memory_order_release);
     }
+    closedAnswers_ += closed ? 1 : 0;
     *static_cast<unsigned char*>(argument) = byte;
     return 0;
 }

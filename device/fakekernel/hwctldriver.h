@@ -23,12 +23,15 @@ public:
     // Whether the last answer for the switch at the end of direction `dir` (+1 or -1) was
     // "closed": the motor must then send no step that way.
     bool reportedClosed(int dir) const;
+    // How many answers so far were "closed".
+    int closedAnswers() const { return closedAnswers_.load(); }
 
 private:
     int answer(const char* name, int end, void* argument);
 
     const sim::TwinWorld& world_;
     std::atomic<bool> closed_[2] = {false, false};  // at the -1 end, at the +1 end
+    std::atomic<int> closedAnswers_{0};
 };
 
 }  // namespace fakekernel

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 #include <cstdio>
 
 #include "autofocusthread.h"
@@ -33,7 +34,12 @@ int runAutoFocusOnTwin(const TwinSetting& twin, int lensStart) {
     QObject::connect(
         &autofocus, &AutoFocusThread::autoFocusFinished, &autofocus,
         [&focused](bool result) { focused = result; }, Qt::DirectConnection);
+    // The autofocus starts from live view, as on the instrument: a sample returns to the live
+    // mode the capture thread was in, so live view must have shown a frame first.
     capture.startCapture(CAPTURE_SINGLE_FIBER_LIVE);
+    while (capture.isRunning() && kernel.capture().takenBuffers() < 2) {
+        QThread::msleep(5);
+    }
     QElapsedTimer clock;
     clock.start();
     autofocus.start();
