@@ -17,10 +17,10 @@ namespace sim {
 // lens stands, the camera's exposure and its frame clock. The fake camera driver reads its
 // frames from here and its exposure control sets the exposure; the fake motor moves the lens.
 //
-// A frame is the scene's light, blurred by the lens's distance from focus (cached per lens
-// position), read out with the exposure's gain, shot and read noise from a precomputed bank,
-// and what a hand-held instrument adds: a little gain flicker and a sub-pixel shake from frame
-// to frame. Safe to use from several threads.
+// A frame is the scene's light, blurred by the lens's distance from focus (mixed from renderings
+// at a ladder of blurs, see LightCache), read out with the exposure's gain, shot and read noise
+// from a precomputed bank, and what a hand-held instrument adds: a little gain flicker and a
+// sub-pixel shake from frame to frame. Safe to use from several threads.
 class TwinWorld {
 public:
     // The exposure at which the scene's levels are what the scene says.

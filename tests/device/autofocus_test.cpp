@@ -42,14 +42,9 @@ struct AutoFocusTest : TwinTest {
     }
     ~AutoFocusTest() override { capture.stopCapture(); }
 
-    // Single-fiber live view, once it has shown a frame: a sample returns to the live mode it
-    // finds.
-    void startLiveView() {
-        ASSERT_EQ(capture.startCapture(CAPTURE_SINGLE_FIBER_LIVE), 0);
-        showFreshFrames();
-    }
     // Until live view has shown frames taken with the lens where it stands now, as before a
-    // trigger on the instrument: the driver's queue may still hold older ones.
+    // trigger on the instrument: the driver's queue may still hold older ones, and a sample
+    // returns to the live mode it finds.
     void showFreshFrames() {
         const unsigned taken = kernel.capture().takenBuffers();
         ASSERT_TRUE(
@@ -89,7 +84,8 @@ TEST_F(AutoFocusTest, GivesUpWhenTheCaptureThreadStopsDuringTheWait) {
 
 TEST_F(AutoFocusTest, NoFiberInViewEndsWithTheFirstSample) {
     world.setCovered(true);
-    startLiveView();
+    ASSERT_EQ(capture.startCapture(CAPTURE_SINGLE_FIBER_LIVE), 0);
+    showFreshFrames();
     EXPECT_EQ(runAutoFocus(), 0);
     EXPECT_EQ(autofocus.samplesTaken(), 1);
     EXPECT_EQ(autofocus.movesMade(), 0);
@@ -116,7 +112,7 @@ TEST_F(AutoFocusTest, EndsInFocusFromStartsOverTheWholeTravel) {
     world.setFramePeriod(std::chrono::milliseconds(5));
     std::mt19937 random(16);
     std::uniform_int_distribution<int> anywhere(0, kEnd), middle(kEnd / 4, 3 * kEnd / 4);
-    startLiveView();
+    ASSERT_EQ(capture.startCapture(CAPTURE_SINGLE_FIBER_LIVE), 0);
     int inFocus = 0;
     std::vector<int> samples, moves;
     for (int run = 0; run < kRuns; ++run) {
