@@ -45,16 +45,16 @@ TEST(CaptureTool, WritesEachSignalAndItsPicture) {
     EXPECT_EQ(run.lines[1]["signal"].toString(), "captureThreadExit");
 }
 
-// From the near limit switch to a focus at 9000 steps (562.5 units).
+// From 42.5 units below a focus at 9000 steps (562.5 units).
 TEST(CaptureTool, RunsOneAutoFocusFromTheGivenStart) {
     TempRoot root;
-    const CaptureRun run = capture({"--root", root.path(), "--autofocus", "--lens-start", "0",
+    const CaptureRun run = capture({"--root", root.path(), "--autofocus", "--lens-start", "520",
                                     "--scene", "focus=9000,fps=200"});
     EXPECT_EQ(run.status, 0);
     ASSERT_EQ(run.lines.size(), 1);
     const QJsonObject result = run.lines[0];
     EXPECT_TRUE(result["focused"].toBool());
-    EXPECT_EQ(result["lensStart"].toDouble(), 0.0);
+    EXPECT_EQ(result["lensStart"].toDouble(), 520.0);
     EXPECT_EQ(result["lensBest"].toDouble(), 562.5);
     EXPECT_NEAR(result["lensEnd"].toDouble(), 562.5, 13.0);  // the depth of field
     EXPECT_GT(result["samples"].toInt(), result["moves"].toInt());
