@@ -17,6 +17,14 @@ void exitProcess(int status) {
     hook(status);
 }
 
+void abortProcess() {
+    void (*hook)(int) = exitHook.load();
+    if (hook == nullptr) {
+        std::abort();
+    }
+    hook(kAbortStatus);
+}
+
 void setProcessExitHook(void (*hook)(int)) {
     exitHook.store(hook);
 }

@@ -25,9 +25,11 @@ struct LightField {
 // The scene's light with the scene's blur; null when the scene is not valid.
 std::shared_ptr<const LightField> renderLightField(const EndFaceScene& scene);
 
-// Blurred renderings of a scene for the last few lens positions, so that a lens standing still
-// costs no rendering: the scene is drawn once per lens position, and each frame only reads it
-// out. Entries belong to a scene version; a new version makes the old entries useless.
+// Blurred renderings of a scene, so that a lens in motion costs little and a lens standing still
+// nothing. The scene is drawn exactly at a ladder of blurs, each 15 % above the one before,
+// from the optics' own at focus to the largest, each rung when first needed; the light at any
+// lens position is the mix of the two rungs around its blur, and the last few positions' mixes
+// are kept. Entries belong to a scene version; a new version makes the old entries useless.
 class LightCache {
 public:
     static constexpr size_t kEntries = 4;
@@ -44,8 +46,15 @@ private:
         std::shared_ptr<const LightField> light;
     };
 
+    std::shared_ptr<const LightField> mixed(const EndFaceScene& scene, uint64_t sceneVersion,
+                                            double blur);
+    std::shared_ptr<const LightField> rung(const EndFaceScene& scene, uint64_t sceneVersion,
+                                           int index);
+
     std::mutex mutex_;
     std::vector<Entry> entries_;  // most recently used last
+    uint64_t rungsVersion_ = 0;
+    std::vector<std::shared_ptr<const LightField>> rungs_;  // null: not drawn yet
 };
 
 }  // namespace sim

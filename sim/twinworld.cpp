@@ -18,6 +18,9 @@ constexpr double kCoveredLight = 0.03;
 constexpr double kFlicker = 0.003;
 constexpr double kShakePx = 0.2;
 
+// How far back the lens's path is kept: longer than any frame period.
+constexpr std::chrono::seconds kPathKept{1};
+
 int onTravel(int steps) {
     return std::clamp(steps, 0, lens::kTravelSteps);
 }
@@ -33,7 +36,10 @@ struct TwinWorld::Shot {
 };
 
 TwinWorld::TwinWorld()
-    : lens_(lens::kDefaultFocus), focus_(lens::kDefaultFocus), random_(1), noise_(1) {}
+    : lensPath_{{Clock::now(), lens::kDefaultFocus}},
+      focus_(lens::kDefaultFocus),
+      random_(1),
+      noise_(1) {}
 
 void TwinWorld::setScene(const EndFaceScene& scene) {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -53,17 +59,41 @@ void TwinWorld::setCovered(bool covered) {
 
 void TwinWorld::setLensPosition(int steps) {
     std::lock_guard<std::mutex> lock(mutex_);
-    lens_ = onTravel(steps);
+    lensPath_.assign(1, {Clock::time_point::min(), onTravel(steps)});
 }
 
 int TwinWorld::lensPosition() const {
     std::lock_guard<std::mutex> lock(mutex_);
-    return lens_;
+    return lensPath_.back().position;
+}
+
+void TwinWorld::moveLens(int steps) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    const Clock::time_point now = Clock::now();
+    lensPath_.push_back({now, onTravel(lensPath_.back().position + steps)});
+    while (lensPath_.size() > 1 && lensPath_[1].time < now - kPathKept) {
+        lensPath_.pop_front();
+    }
+}
+
+// The last place the lens reached by `time`; before the path kept, where it begins.
+int TwinWorld::lensPositionAt(Clock::time_point time) const {
+    for (auto at = lensPath_.rbegin(); at != lensPath_.rend(); ++at) {
+        if (at->time <= time) {
+            return at->position;
+        }
+    }
+    return lensPath_.front().position;
 }
 
 void TwinWorld::setFocusPosition(int steps) {
     std::lock_guard<std::mutex> lock(mutex_);
     focus_ = onTravel(steps);
+}
+
+int TwinWorld::focusPosition() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return focus_;
 }
 
 void TwinWorld::setExposure(unsigned exposure) {
@@ -90,7 +120,8 @@ TwinWorld::Shot TwinWorld::nextShot() {
     std::lock_guard<std::mutex> lock(mutex_);
     std::normal_distribution<double> flicker(1.0, kFlicker);
     std::uniform_real_distribution<double> shake(-kShakePx, kShakePx);
-    Shot shot{scene_, sceneVersion_, lens_ - focus_, {}};
+    const int lens = lensPositionAt(Clock::now() - framePeriod_ / 2);
+    Shot shot{scene_, sceneVersion_, lens - focus_, {}};
     shot.readout.gain = kLevelsPer8Bit * exposure_ / kNominalExposure * flicker(random_) *
                         (covered_ ? kCoveredLight : 1.0);
     shot.readout.shakeX = shake(random_);

@@ -43,6 +43,9 @@ FakeKernel::FakeKernel(sim::TwinWorld& world) {
     capture_ =
         static_cast<V4l2CaptureDriver*>(&addDriver(std::make_unique<V4l2CaptureDriver>(world)));
     output_ = static_cast<V4l2OutputDriver*>(&addDriver(std::make_unique<V4l2OutputDriver>(world)));
+    hwctl_ = static_cast<HwctlDriver*>(&addDriver(std::make_unique<HwctlDriver>(world)));
+    motor_ =
+        static_cast<SpiMotorDriver*>(&addDriver(std::make_unique<SpiMotorDriver>(world, *hwctl_)));
     installedKernel.store(this, std::memory_order_release);
     installSystemCalls(&kFakeTable);
 }

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "fakedriver.h"
+#include "hwctldriver.h"
+#include "spimotordriver.h"
 #include "systemcalls.h"
 #include "v4l2capturedriver.h"
 #include "v4l2outputdriver.h"
@@ -36,8 +38,10 @@ public:
 
     V4l2CaptureDriver& capture() { return *capture_; }
     V4l2OutputDriver& output() { return *output_; }
+    SpiMotorDriver& motor() { return *motor_; }
+    HwctlDriver& hardwareControl() { return *hwctl_; }
 
-    // Serves one more device (the motor's SPI bus, the hardware control) at its fixed path.
+    // Serves one more device at its fixed path.
     FakeDriver& addDriver(std::unique_ptr<FakeDriver> driver);
 
     // The system calls, as the installed table makes them.
@@ -55,6 +59,8 @@ private:
 
     V4l2CaptureDriver* capture_;
     V4l2OutputDriver* output_;
+    HwctlDriver* hwctl_;
+    SpiMotorDriver* motor_;
     std::vector<std::unique_ptr<FakeDriver>> drivers_;
     std::mutex mutex_;  // guards the two maps
     std::map<int, FakeDriver*> files_;

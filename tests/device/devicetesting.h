@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -55,4 +56,16 @@ inline Lines prefixThen(const Lines& lines, size_t n, const Lines& more) {
     Lines result(lines.begin(), lines.begin() + std::min(n, lines.size()));
     result.insert(result.end(), more.begin(), more.end());
     return result;
+}
+
+// "a b*3 c": the words of `text`, a word*n n times over ("a b b b c"), for short table rows.
+inline std::vector<std::string> expandWords(const std::string& text) {
+    std::vector<std::string> words;
+    std::istringstream tokens(text);
+    for (std::string token; tokens >> token;) {
+        const size_t star = token.find('*');
+        const int times = star == std::string::npos ? 1 : std::stoi(token.substr(star + 1));
+        words.insert(words.end(), size_t(times), token.substr(0, star));
+    }
+    return words;
 }

@@ -1,12 +1,15 @@
 // The twin's world: frames whose gray levels follow the exposure, whose noise is a sensor's,
-// and whose blur grows with the lens's distance from focus.
+// and whose blur grows with the lens's distance from focus, where the lens stood at the middle
+// of the frame's time.
 
 #include "twinworld.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <opencv2/core.hpp>
+#include <thread>
 
 #include "lensoptics.h"
 
@@ -78,6 +81,21 @@ TEST(TwinWorld, BlurGrowsWithTheLensDistanceFromFocus) {
         EXPECT_NEAR(before, after, 0.05 * after) << distance;  // the same either side
         sharper = after;
     }
+}
+
+// A lens moved just now shows where it stood half a frame period ago; the motor cannot move it
+// beyond the ends of its travel.
+TEST(TwinWorld, AFrameShowsTheLensAtTheMiddleOfItsTime) {
+    sim::TwinWorld world;
+    world.setFramePeriod(std::chrono::seconds(1));
+    const double sharp = edgeDetail(readFrame(world));
+    world.moveLens(2048);
+    EXPECT_EQ(world.lensPosition(), sim::lens::kDefaultFocus + 2048);
+    EXPECT_NEAR(edgeDetail(readFrame(world)), sharp, 0.05 * sharp);
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    EXPECT_LT(edgeDetail(readFrame(world)), 0.8 * sharp);
+    world.moveLens(-2 * sim::lens::kTravelSteps);
+    EXPECT_EQ(world.lensPosition(), 0);
 }
 
 }  // namespace

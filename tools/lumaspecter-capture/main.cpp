@@ -1,13 +1,16 @@
 // lumaspecter-capture: runs the capture thread against the simulated instrument in one work
 // mode and writes what it emits, one JSON line per signal and the pictures as PNG files, so
-// that a person can watch the twin and the thread at work.
+// that a person can watch the twin and the thread at work; or runs one autofocus on the twin
+// and prints how it went.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QThread>
 #include <cstdio>
+#include <random>
 
+#include "autofocusrun.h"
 #include "capturethread.h"
 #include "fakekernel.h"
 #include "platformroot.h"
@@ -27,7 +30,10 @@ struct Options {
     bool preview = false;
     bool watch = false;
     QString folder;
+    int lensStart = 0;  // motor steps
 };
+
+constexpr int kStepsPerUnit = 16;
 
 int usageError(const QString& message) {
     std::fprintf(stderr, "lumaspecter-capture: %s (see --help)\n", qPrintable(message));
@@ -41,7 +47,30 @@ bool wholeNumber(const QString& text, long lowest, long highest, long& value) {
     return ok && value >= lowest && value <= highest;
 }
 
+// The autofocus's start: --lens-start in climb units, else drawn from --seed over the travel.
+QString parseAutoFocus(const QCommandLineParser& parser, Options& options) {
+    long number = 0;
+    const long travelUnits = sim::lens::kTravelSteps / kStepsPerUnit;
+    if (parser.isSet("lens-start")) {
+        if (!wholeNumber(parser.value("lens-start"), 0, travelUnits, number)) {
+            return QString("--lens-start takes a position from 0 to %1").arg(travelUnits);
+        }
+        options.lensStart = int(number) * kStepsPerUnit;
+        return {};
+    }
+    if (parser.isSet("seed") && !wholeNumber(parser.value("seed"), 0, 4294967295L, number)) {
+        return "--seed takes a number from 0 to 4294967295";
+    }
+    std::mt19937 random(parser.isSet("seed") ? unsigned(number) : 1u);
+    options.lensStart = std::uniform_int_distribution<int>(0, sim::lens::kTravelSteps)(random);
+    return {};
+}
+
 QString parse(const QCommandLineParser& parser, Options& options) {
+    if (parser.isSet("autofocus")) {
+        const QString error = parseAutoFocus(parser, options);
+        return error.isEmpty() ? parseTwinSetting(parser.value("scene"), options.twin) : error;
+    }
     long number = 0;
     if (!wholeNumber(parser.value("mode"), 0, 10, number)) {
         return "--mode takes a work mode from 0 to 10";
@@ -64,14 +93,6 @@ QString parse(const QCommandLineParser& parser, Options& options) {
     return parseTwinSetting(parser.value("scene"), options.twin);
 }
 
-void prepareWorld(const TwinSetting& twin, sim::TwinWorld& world) {
-    world.setScene(twin.scene);
-    world.setCovered(twin.covered);
-    world.setFocusPosition(twin.focus);
-    world.setLensPosition(twin.lens);
-    world.setFramePeriod(std::chrono::nanoseconds(long(1e9 / twin.framesPerSecond)));
-}
-
 // The picture the video output showed last (mode 0), its luma bytes as gray.
 void writeVideoOutput(fakekernel::V4l2OutputDriver& output, SignalWriter& writer) {
     unsigned width = 0, height = 0;
@@ -85,7 +106,7 @@ void writeVideoOutput(fakekernel::V4l2OutputDriver& output, SignalWriter& writer
 
 int run(const Options& options) {
     sim::TwinWorld world;
-    prepareWorld(options.twin, world);
+    applyTwinSetting(options.twin, world);
     fakekernel::FakeKernel kernel(world);
     CaptureThread thread;
     SignalWriter writer(thread, options.folder);
@@ -109,7 +130,8 @@ int main(int argc, char* argv[]) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         "Runs the capture thread against the simulated instrument in one work mode and prints "
-        "one JSON line per signal it emits.\n\nScene options (--scene KEY=VALUE,...):\n" +
+        "one JSON line per signal it emits; or, with --autofocus, runs one autofocus on the twin "
+        "and prints one JSON object.\n\nScene options (--scene KEY=VALUE,...):\n" +
         twinSettingHelp());
     parser.addHelpOption();
     parser.addOptions({
@@ -121,10 +143,13 @@ int main(int argc, char* argv[]) {
         {"exposure", "The camera exposure (default 20).", "E"},
         {"preview", "Exposure preview in mode 0: report the mean gray."},
         {"watch", "Watch the sharpness too in mode 7."},
+        {"autofocus", "Run one autofocus instead of a work mode."},
+        {"lens-start", "Where the autofocus starts, climb units of 16 steps (0 to 1500).", "N"},
+        {"seed", "Draws the autofocus's start when --lens-start is not given (default 1).", "S"},
     });
     parser.process(app);
-    if (!parser.isSet("mode")) {
-        return usageError("--mode is needed");
+    if (!parser.isSet("mode") && !parser.isSet("autofocus")) {
+        return usageError("--mode or --autofocus is needed");
     }
     Options options;
     const QString error = parse(parser, options);
@@ -134,5 +159,6 @@ int main(int argc, char* argv[]) {
     if (parser.isSet("root")) {
         setPlatformRoot(parser.value("root"));
     }
-    return run(options);
+    return parser.isSet("autofocus") ? runAutoFocusOnTwin(options.twin, options.lensStart)
+                                     : run(options);
 }

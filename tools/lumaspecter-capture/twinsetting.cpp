@@ -1,7 +1,10 @@
 #include "twinsetting.h"
 
 #include <QStringList>
+#include <chrono>
 #include <cmath>
+
+#include "twinworld.h"
 
 namespace {
 
@@ -59,6 +62,14 @@ QString parseTwinSetting(const QString& text, TwinSetting& setting) {
         }
     }
     return {};
+}
+
+void applyTwinSetting(const TwinSetting& setting, sim::TwinWorld& world) {
+    world.setScene(setting.scene);
+    world.setCovered(setting.covered);
+    world.setFocusPosition(setting.focus);
+    world.setLensPosition(setting.lens);
+    world.setFramePeriod(std::chrono::nanoseconds(long(1e9 / setting.framesPerSecond)));
 }
 
 QString twinSettingHelp() {
