@@ -28,8 +28,9 @@ TEST(CaptureTool, WritesEachSignalAndItsPicture) {
 // From 42.5 units below a focus at 9000 steps (562.5 units).
 TEST(CaptureTool, RunsOneAutoFocusFromTheGivenStart) {
     TempRoot root;
-    const CaptureRun run = capture({"--root", root.path(), "--autofocus", "--lens-start", "520",
-                                    "--scene", "focus=9000,fps=200"});
+    const ToolRun run =
+        runProgram(CAPTURE_TOOL, {"--root", root.path(), "--autofocus", "--lens-start", "520",
+                                  "--scene", "focus=9000,fps=200"});
     EXPECT_EQ(run.status, 0);
     ASSERT_EQ(run.lines.size(), 1);
     const QJsonObject result = run.lines[0];
@@ -39,7 +40,7 @@ TEST(CaptureTool, RunsOneAutoFocusFromTheGivenStart) {
     EXPECT_NEAR(result["lensEnd"].toDouble(), 562.5, 13.0);  // the depth of field
     EXPECT_GT(result["samples"].toInt(), result["moves"].toInt());
     EXPECT_GT(result["ms"].toDouble(), 0.0);
-    EXPECT_EQ(capture({"--autofocus", "--lens-start", "1501"}).status, 2);
+    EXPECT_EQ(runProgram(CAPTURE_TOOL, {"--autofocus", "--lens-start", "1501"}).status, 2);
 }
 
 }  // namespace
